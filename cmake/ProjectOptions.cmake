@@ -1,0 +1,36 @@
+# How the project's own code is compiled and linked: warnings, checks and the static runtime.
+# Nothing of this reaches a host.
+
+set(COMMONPREFERENCES_SANITIZE "" CACHE STRING
+  "Empty, or 'full' (address and undefined behaviour) or 'trap' (undefined behaviour stops the program)")
+
+add_library(project_options INTERFACE)
+
+if(MSVC)
+  target_compile_options(project_options INTERFACE /W4 /permissive- /utf-8)
+else()
+  target_compile_options(project_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+endif()
+
+if(WIN32)
+  target_compile_definitions(project_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()
+
+if(MINGW)
+  # The compiler's runtime is linked in, so that the DLL needs system DLLs only.
+  target_link_options(project_options INTERFACE -static)
+endif()
+
+# The checks of the standard library, where it is GCC's.
+target_compile_definitions(project_options INTERFACE
+  $<$<AND:$<CONFIG:Debug>,$<NOT:$<BOOL:${MSVC}>>>:_GLIBCXX_ASSERTIONS>)
+
+if(COMMONPREFERENCES_SANITIZE STREQUAL "full")
+  set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(project_options INTERFACE ${sanitizer_flags})
+  target_link_options(project_options INTERFACE ${sanitizer_flags})
+elseif(COMMONPREFERENCES_SANITIZE STREQUAL "trap")
+  target_compile_options(project_options INTERFACE
+    -fsanitize=undefined -fsanitize-undefined-trap-on-error)
+endif()

@@ -1,0 +1,7 @@
+#include "prefs/IPreferences.h"
+
+namespace vemora::prefs {
+
+IPreferences::~IPreferences() = default;
+
+}  // namespace vemora::prefs

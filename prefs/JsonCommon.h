@@ -1,0 +1,164 @@
+/// @file
+/// The JSON back end: preferences in memory, one map per share level, kept in two files. Not
+/// thread-safe. The store owns its maps and paths; every Dictionary stays the caller's.
+#pragma once
+
+#include <array>
+#include <map>
+#include <string>
+
+#include "prefs/IPreferences.h"
+#include "prefs/ShareLevel.h"
+#include "utils/Dictionary.h"
+#include "utils/Export.h"
+#include "utils/Variant.h"
+#include "utils/vemora_ustring.h"
+
+#if defined(_MSC_VER)
+#pragma warning(push)
+#pragma warning(disable : 4251)  // the members are private; host and library share one runtime
+#endif
+
+namespace vemora::prefs {
+
+/// What is known of a classified preference.
+struct PrefsData {
+  EShareLevel level;
+};
+
+/// Preferences by category and key. Names that differ in case only are one name.
+template <typename Value>
+using CategoryMap =
+    std::map<vemora_ustring, std::map<vemora_ustring, Value, utils::NoCaseLess>, utils::NoCaseLess>;
+
+/// The preferences of one share level.
+using LevelMap = CategoryMap<utils::Variant>;
+
+/// One level map per share level, indexed by `EShareLevel`.
+using LevelMaps = std::array<LevelMap, kShareLevelCount>;
+
+/// A store of preferences that saves level 0 to a private file and levels 1 to 6 to a shared file.
+///
+/// The level of a preference follows from its name: a built-in table knows some pairs of category
+/// and key, all others take the default share level of PreferencesDefaults.h. Reads and writes look
+/// at that one level only. Missing, unreadable and malformed files count as empty; failed saves are
+/// not reported.
+///
+///     JsonCommon store;
+///     store.SetPaths(L"C:/Users/u/private.json", L"C:/Users/u/shared.json");
+///     store.LoadPreferences();
+///
+/// Binary values are not supported, on purpose: they are accepted and dropped.
+class COMMONPREFERENCES_API JsonCommon : public IPreferences {
+ public:
+  /// An empty store without paths.
+  JsonCommon();
+  JsonCommon(const JsonCommon& other);
+  JsonCommon& operator=(const JsonCommon& other);
+
+  bool IsPreferenceSet(const vemora_ustring& category, const vemora_ustring& key) override;
+  bool CategoryExists(const vemora_ustring& category) override;
+  void DeleteCategory(const vemora_ustring& category) override;
+  void DeletePreference(const vemora_ustring& category, const vemora_ustring& key) override;
+  EShareLevel GetLevel(const vemora_ustring& category, const vemora_ustring& key) override;
+  /// True for a level outside 0 to 6, which can hold nothing.
+  bool IsLevelEmpty(EShareLevel level) const override;
+
+  /// Writes always return true, also when the overwrite flag kept the old value.
+  /// @{
+  int ReadInt(const vemora_ustring& category, const vemora_ustring& key, int defaultValue) override;
+  bool WriteInt(const vemora_ustring& category, const vemora_ustring& key, int value) override;
+  double ReadDouble(const vemora_ustring& category, const vemora_ustring& key,
+                    double defaultValue) override;
+  bool WriteDouble(const vemora_ustring& category, const vemora_ustring& key,
+                   double value) override;
+  vemora_ustring ReadString(const vemora_ustring& category, const vemora_ustring& key,
+                            const vemora_ustring& defaultValue) override;
+  bool WriteString(const vemora_ustring& category, const vemora_ustring& key,
+                   const vemora_ustring& value) override;
+  bool ReadBool(const vemora_ustring& category, const vemora_ustring& key,
+                bool defaultValue) override;
+  bool WriteBool(const vemora_ustring& category, const vemora_ustring& key, bool value) override;
+  /// @}
+
+  /// Always an empty byte string: not even the default is returned.
+  std::string ReadBinary(const vemora_ustring& category, const vemora_ustring& key,
+                         const std::string& defaultValue) override;
+  /// Stores nothing and returns true.
+  bool WriteBinary(const vemora_ustring& category, const vemora_ustring& key,
+                   const std::string& value) override;
+
+  /// Reads the shared file, then the private one. Levels that a file does not provide stay as they
+  /// were, so loading other files keeps what these lack.
+  void LoadPreferences() override;
+
+  /// Rewrites both files, whether or not anything changed.
+  void SavePreferences() override;
+
+  /// The same as `SavePreferences`; nothing is loaded again.
+  void Synchronize() override;
+
+  /// Deletes the files, if `SetSavePrefsFlag` asked for that; then saves unsaved changes, if saving
+  /// is on.
+  ~JsonCommon() override;
+
+  /// Passes every stored entry of the dictionary `name` to `out.Set`; those of higher levels come
+  /// later. Other entries of `out` stay.
+  /// @return true, also when nothing was found
+  virtual bool ReadDictionary(const vemora_ustring& name, utils::Dictionary& out);
+
+  /// Replaces the dictionary `name` in all levels by the entries of `in`, each at its own level.
+  /// @return false when entries were left out because they are no bool, int, double or string
+  virtual bool WriteDictionary(const vemora_ustring& name, const utils::Dictionary& in);
+
+  /// Deletes both files from disk; what is in memory stays.
+  void DeletePreferences();
+
+  /// What happens when the store is destroyed: whether unsaved changes are saved (they are, unless
+  /// told otherwise), and whether the files are deleted first (they are not). With both set and
+  /// unsaved changes the files are deleted and then written anew.
+  void SetSavePrefsFlag(bool save, bool deleteFiles);
+
+  const vemora_ustring& GetPrivatePath() const;
+  const vemora_ustring& GetSharedPath() const;
+
+  /// Names the files of later loads and saves; loads nothing.
+  void SetPaths(const vemora_ustring& privatePath, const vemora_ustring& sharedPath);
+
+ protected:
+  /// The stored value, or an empty Variant. Looks at the level that `GetLevel` gives only.
+  utils::Variant GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key);
+
+  /// Stores a value at its level, unless the overwrite flag is false and there is one already.
+  void WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
+                        const utils::Variant& value);
+
+  /// Classifies a preference; false when it was classified already, which is then replaced.
+  bool LoadLevel(const vemora_ustring& category, const vemora_ustring& key, const PrefsData& data);
+
+  /// Rebuilds the classification from the built-in table.
+  void LoadLevelData();
+
+  void LoadSharedPreferences();
+  void LoadPrivatePreferences();
+  void SaveSharedPreferences();
+  void SavePrivatePreferences();
+
+ private:
+  LevelMap& LevelOf(const vemora_ustring& category, const vemora_ustring& key);
+  const utils::Variant* FindValue(const vemora_ustring& category, const vemora_ustring& key);
+
+  LevelMaps levels;
+  CategoryMap<PrefsData> levelData;
+  bool dirty = false;
+  bool deleteFilesOnExit = false;
+  bool savePrefs = true;
+  vemora_ustring sharedPath;
+  vemora_ustring privatePath;
+};
+
+}  // namespace vemora::prefs
+
+#if defined(_MSC_VER)
+#pragma warning(pop)
+#endif

@@ -1,0 +1,39 @@
+/// @file
+/// The front door: chooses and configures the back end that serves the process's preferences. One
+/// thread calls these functions, or the host serialises its calls.
+#pragma once
+
+#include "prefs/IPreferences.h"
+#include "prefs/ShareLevel.h"
+#include "utils/Export.h"
+#include "utils/vemora_ustring.h"
+
+namespace vemora::prefs {
+
+/// The preferences of the process. The back end is made on first use; without `SetPaths` the JSON
+/// back end has no files and forgets everything at exit.
+///
+///     vemora::prefs::SetPaths(privateFile, sharedFile, {});
+///     bool open = vemora::prefs::Get().ReadBool(L"Console", L"Open", false);
+///
+/// @throws std::bad_alloc when the back end cannot be made; the next call tries again
+COMMONPREFERENCES_API IPreferences& Get();
+
+/// Deletes the JSON back end, which saves unsaved changes first (see `SetSavePrefsFlag`). The next
+/// `Get` makes a new one, without paths.
+COMMONPREFERENCES_API void Destroy();
+
+/// Chooses the JSON back end and its files: the private one, which stays on this computer, and the
+/// shared one. When a path differs from the one in use, both files are loaded; what a new file does
+/// not provide stays as it was in memory. The third argument is accepted and ignored.
+COMMONPREFERENCES_API void SetPaths(const vemora_ustring& privatePath,
+                                    const vemora_ustring& sharedPath, const vemora_ustring& unused);
+
+/// What the JSON back end does when it is destroyed: `save` (true at first) keeps unsaved changes,
+/// `deleteFiles` (false at first) deletes both files before that.
+COMMONPREFERENCES_API void SetSavePrefsFlag(bool save, bool deleteFiles);
+
+/// The share levels that hold preferences. The argument is ignored.
+COMMONPREFERENCES_API EPrefsBits PreferencesExist(EPrefsBits ignored);
+
+}  // namespace vemora::prefs

@@ -1,0 +1,7 @@
+#include "prefs/PreferencesJson.h"
+
+namespace vemora::prefs {
+
+PreferencesJson::~PreferencesJson() = default;
+
+}  // namespace vemora::prefs

@@ -1,0 +1,42 @@
+/// @file
+/// The share levels of preferences: which computers a preference is meant for.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "utils/vemora_ustring.h"
+
+namespace vemora::prefs {
+
+using utils::vemora_ustring;
+
+/// Where a preference is meant to apply. Level 0 stays on this computer; levels 1 to 6 lie in the
+/// file that travels between computers.
+enum EShareLevel : std::uint32_t {
+  kThisComputerOnly = 0,
+  kSharedForAllComputers = 1,
+  kWindowsOnly = 2,
+  kMacOnly = 3,
+  kWebOnly = 4,
+  kIOSOnly = 5,
+  kAndroidOnly = 6,
+  /// No level chosen; no preference ever has it.
+  kNoShareLevel = 7
+};
+
+/// Number of levels that can hold preferences.
+constexpr std::size_t kShareLevelCount = 7;
+
+/// A set of share levels: bit n is set when level n holds preferences.
+enum EPrefsBits : std::uint32_t {
+  kNoPrefs = 0,
+  /// The bits of all seven levels.
+  kAllPrefs = 127
+};
+
+/// The display names of levels 0 to 6, which are also their names in the preference files.
+extern const std::array<vemora_ustring, kShareLevelCount> kShareLevelNames;
+
+}  // namespace vemora::prefs

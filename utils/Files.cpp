@@ -1,0 +1,313 @@
+#include "utils/Files.h"
+
+#include <windows.h>
+
+#include <shellapi.h>
+#include <shlobj.h>
+#include <sys/stat.h>
+#include <time.h>
+
+#include <algorithm>
+#include <limits>
+#include <new>
+
+#include "utils/Locations.h"
+
+namespace vemora::utils {
+namespace {
+
+struct HandleCloser {
+  void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using UniqueHandle = std::unique_ptr<void, HandleCloser>;
+
+struct SearchCloser {
+  void operator()(HANDLE search) const { FindClose(search); }
+};
+using UniqueSearch = std::unique_ptr<void, SearchCloser>;
+
+struct InterfaceReleaser {
+  void operator()(IUnknown* object) const { object->Release(); }
+};
+template <typename Interface>
+using UniqueInterface = std::unique_ptr<Interface, InterfaceReleaser>;
+
+/// COM for the life of the object. A thread that has COM in another mode can use it as well.
+class ComScope {
+ public:
+  ComScope() : initialized_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+  ComScope(const ComScope&) = delete;
+  ComScope& operator=(const ComScope&) = delete;
+  ~ComScope() {
+    if (initialized_) {
+      CoUninitialize();
+    }
+  }
+
+ private:
+  bool initialized_;
+};
+
+/// Null for a handle that could not be opened.
+HANDLE ValidOrNull(HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? nullptr : handle; }
+
+/// The system would read a name up to its first zero, and so might act on another file.
+bool CanNameFile(const vemora_ustring& path) {
+  return !path.empty() && path.find(CodeUnit{0}) == vemora_ustring::npos;
+}
+
+DWORD GetAttributes(const vemora_ustring& path) {
+  return CanNameFile(path) ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
+}
+
+bool IsRegularFile(DWORD attributes) {
+  return attributes != INVALID_FILE_ATTRIBUTES &&
+         (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+}
+
+/// Whether both paths lead to the same existing file.
+bool IsSameFile(const vemora_ustring& left, const vemora_ustring& right) {
+  const auto identify = [](const vemora_ustring& path, BY_HANDLE_FILE_INFORMATION& information) {
+    const UniqueHandle file(ValidOrNull(
+        CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)));
+    return file != nullptr && GetFileInformationByHandle(file.get(), &information) != 0;
+  };
+  BY_HANDLE_FILE_INFORMATION a = {};
+  BY_HANDLE_FILE_INFORMATION b = {};
+  return identify(left, a) && identify(right, b) &&
+         a.dwVolumeSerialNumber == b.dwVolumeSerialNumber && a.nFileIndexHigh == b.nFileIndexHigh &&
+         a.nFileIndexLow == b.nFileIndexLow;
+}
+
+/// The absolute path with the system's own separators; empty on failure.
+vemora_ustring GetAbsolutePath(const vemora_ustring& path) {
+  if (!CanNameFile(path)) {
+    return {};
+  }
+  vemora_ustring absolute(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), 0);
+  const DWORD length =
+      GetFullPathNameW(path.c_str(), static_cast<DWORD>(absolute.size()), absolute.data(), nullptr);
+  absolute.resize(length < absolute.size() ? length : 0);
+  return absolute;
+}
+
+/// Whether an absolute path is the root of a drive, a volume or a network share.
+bool IsRoot(const vemora_ustring& absolute) {
+  const bool network = absolute.compare(0, 2, LR"(\\)") == 0;
+  const bool device_network =
+      vemora_ustring(absolute.substr(0, 8)).CompareNoCase(LR"(\\?\UNC\)") == 0;
+  // \\?\UNC\server\share, \\server\share or \\?\C:, and C:
+  const int root_components = device_network ? 4 : network ? 2 : 1;
+
+  int components = 0;
+  for (std::size_t index = 0; index < absolute.size(); ++index) {
+    const bool begins = absolute[index] != L'\\' && (index == 0 || absolute[index - 1] == L'\\');
+    components += begins ? 1 : 0;
+  }
+  return components <= root_components;
+}
+
+bool RemoveFile(const vemora_ustring& path) {
+  SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+  return DeleteFileW(path.c_str()) != 0;
+}
+
+/// Removes an empty folder, or a link to a folder.
+bool RemoveEmptyFolder(const vemora_ustring& path) {
+  SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
+  return RemoveDirectoryW(path.c_str()) != 0;
+}
+
+/// Removes the files and links of a folder and adds its real subfolders to `folders`.
+void RemoveFilesOf(const vemora_ustring& folder, std::vector<vemora_ustring>& folders) {
+  WIN32_FIND_DATAW entry = {};
+  const vemora_ustring pattern = folder + L"\\*";
+  const UniqueSearch search(ValidOrNull(FindFirstFileW(pattern.c_str(), &entry)));
+  if (search == nullptr) {
+    return;
+  }
+  do {
+    const vemora_ustring name = entry.cFileName;
+    if (name == L"." || name == L"..") {
+      continue;
+    }
+    const vemora_ustring path = folder + L'\\' + name;
+    const bool link = (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+      RemoveFile(path);
+    } else if (link) {
+      RemoveEmptyFolder(path);
+    } else {
+      folders.push_back(path);
+    }
+  } while (FindNextFileW(search.get(), &entry) != 0);
+}
+
+}  // namespace
+
+std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size) {
+  if (!CanNameFile(path)) {
+    return nullptr;
+  }
+  const UniqueHandle file(
+      ValidOrNull(CreateFileW(path.c_str(), FILE_GENERIC_READ, FILE_SHARE_READ, nullptr,
+                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
+  LARGE_INTEGER file_size = {};
+  if (file == nullptr || GetFileSizeEx(file.get(), &file_size) == 0 || file_size.HighPart != 0) {
+    return nullptr;
+  }
+  const DWORD expected = file_size.LowPart;
+  std::unique_ptr<char[]> buffer(new char[std::size_t{expected} + 1]);
+  DWORD count = 0;
+  if (ReadFile(file.get(), buffer.get(), expected, &count, nullptr) == 0) {
+    return nullptr;
+  }
+  std::fill(buffer.get() + count, buffer.get() + expected + 1, '\0');
+  if (size != nullptr) {
+    *size = count;
+  }
+  return buffer;
+}
+
+bool WriteWholeFile(const char* data, std::size_t length, const vemora_ustring& path) {
+  if (!CanNameFile(path) || length > std::numeric_limits<DWORD>::max()) {
+    return false;
+  }
+  DeleteFileIfPresent(path);
+  const UniqueHandle file(ValidOrNull(CreateFileW(path.c_str(), FILE_ALL_ACCESS, 0, nullptr,
+                                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)));
+  DWORD count = 0;
+  return file != nullptr &&
+         WriteFile(file.get(), data, static_cast<DWORD>(length), &count, nullptr) != 0;
+}
+
+bool DeleteFileIfPresent(const vemora_ustring& path) {
+  const DWORD attributes = GetAttributes(path);
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    return true;
+  }
+  if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+    SetFileAttributesW(path.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  }
+  return !IsRegularFile(attributes) || DeleteFileW(path.c_str()) != 0;
+}
+
+bool MoveFileReplacing(const vemora_ustring& from, const vemora_ustring& to) {
+  if (CanNameFile(from) && CanNameFile(to) && IsSameFile(from, to)) {
+    return true;
+  }
+  DeleteFileIfPresent(to);
+  return CanNameFile(to) && IsRegularFile(GetAttributes(from)) &&
+         MoveFileW(from.c_str(), to.c_str()) != 0;
+}
+
+bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to,
+                            bool failIfExists) {
+  if (!CanNameFile(from) || !CanNameFile(to)) {
+    return false;
+  }
+  const vemora_ustring folder = GetParentFolder(to);
+  if (!IsDirectory(folder)) {
+    CreateDirectories(folder);
+  }
+  return CopyFileW(from.c_str(), to.c_str(), failIfExists ? TRUE : FALSE) != 0;
+}
+
+vemora_ustring ResolveShortcut(const vemora_ustring& path) {
+  if (!CanNameFile(path) || path.size() >= MAX_PATH) {
+    return {};
+  }
+  const ComScope com;
+  void* object = nullptr;
+  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                              &object))) {
+    return {};
+  }
+  const UniqueInterface<IShellLinkW> link(static_cast<IShellLinkW*>(object));
+  if (FAILED(link->QueryInterface(IID_IPersistFile, &object))) {
+    return {};
+  }
+  const UniqueInterface<IPersistFile> file(static_cast<IPersistFile*>(object));
+  const vemora_ustring absolute = GetAbsolutePath(path);
+  wchar_t target[MAX_PATH] = {};
+  if (FAILED(file->Load(absolute.c_str(), STGM_READ)) ||
+      FAILED(link->GetPath(target, MAX_PATH, nullptr, 0))) {
+    return {};
+  }
+  return target;
+}
+
+std::int64_t GetFileTime(const vemora_ustring& path) {
+  struct _stat64 status = {};
+  if (!CanNameFile(path) || _wstat64(path.c_str(), &status) != 0) {
+    return _time64(nullptr);
+  }
+  return status.st_mtime;
+}
+
+vemora_ustring GetTempFolder() {
+  wchar_t folder[MAX_PATH] = {};
+  const DWORD length = GetTempPathW(MAX_PATH, folder);
+  return length < MAX_PATH ? NormalizePath(folder) : vemora_ustring();
+}
+
+bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix) {
+  wchar_t name[MAX_PATH] = {};
+  if (!CanNameFile(folder) || GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, name) == 0) {
+    return false;
+  }
+  prefix = NormalizePath(name);
+  return true;
+}
+
+int DeleteToRecycleBin(const vemora_ustring& path) {
+  // The shell deletes for good what is not absolute, and takes a list that ends with two zeros.
+  vemora_ustring list = GetAbsolutePath(path);
+  if (list.empty() || path.find_first_of(L"*?") != vemora_ustring::npos) {
+    return ERROR_INVALID_NAME;
+  }
+  list.push_back(L'\0');
+  SHFILEOPSTRUCTW operation = {};
+  operation.wFunc = FO_DELETE;
+  operation.pFrom = list.c_str();
+  operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_ALLOWUNDO | FOF_NOERRORUI;
+  return SHFileOperationW(&operation);
+}
+
+std::vector<DriveInfo> ListDrives() {
+  std::vector<wchar_t> roots(std::size_t{GetLogicalDriveStringsW(0, nullptr)} + 1);
+  GetLogicalDriveStringsW(static_cast<DWORD>(roots.size()), roots.data());
+  std::vector<DriveInfo> drives;
+  for (const wchar_t* root = roots.data(); *root != 0;) {
+    drives.push_back({root, GetDriveTypeW(root)});
+    root += drives.back().root.size() + 1;
+  }
+  return drives;
+}
+
+bool RemoveFolder(const vemora_ustring& path) {
+  const DWORD attributes = GetAttributes(path);
+  const vemora_ustring absolute = GetAbsolutePath(path);
+  // "C:" alone would mean the current folder of that drive.
+  const bool drive = path.size() == 2 && path[1] == L':';
+  if (absolute.empty() || drive || IsRoot(absolute) || attributes == INVALID_FILE_ATTRIBUTES ||
+      (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+    return false;
+  }
+  if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+    return RemoveEmptyFolder(absolute);
+  }
+  // Parents come before their subfolders, which are removed first.
+  std::vector<vemora_ustring> folders = {absolute};
+  for (std::size_t index = 0; index < folders.size(); ++index) {
+    const vemora_ustring folder = folders[index];
+    RemoveFilesOf(folder, folders);
+  }
+  bool removed = false;
+  std::for_each(folders.rbegin(), folders.rend(),
+                [&removed](const vemora_ustring& folder) { removed = RemoveEmptyFolder(folder); });
+  return removed;
+}
+
+}  // namespace vemora::utils
