@@ -5,9 +5,9 @@
 #include <shellapi.h>
 #include <shlobj.h>
 #include <sys/stat.h>
-#include <time.h>
 
 #include <algorithm>
+#include <ctime>
 #include <limits>
 #include <new>
 

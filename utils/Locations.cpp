@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include <shlobj.h>
-#include <wchar.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cwchar>
 #include <vector>
 
 namespace vemora::utils {

@@ -28,7 +28,8 @@ class Singleton {
   static T& Get() {
     if (static_instance_ == nullptr) {
       static_instance_ = new T;
-      std::atexit(&Singleton::Destroy);
+      // If the system takes no more exit hooks, the instance lives until `Destroy` is called.
+      static_cast<void>(std::atexit(&Singleton::Destroy));
     }
     return *static_instance_;
   }

@@ -1,7 +1,7 @@
 #include "utils/WideFormat.h"
 
-#include <stdio.h>
-#include <wchar.h>
+#include <cstdio>
+#include <cwchar>
 
 namespace vemora::utils {
 

@@ -319,13 +319,13 @@ bool vemora_ustring::IsUnsigned() const {
                      [](const char* text, char** end) { return std::strtoul(text, end, 10); });
 }
 
-double vemora_ustring::ToDouble() const { return std::atof(ToUtf8().c_str()); }
+double vemora_ustring::ToDouble() const { return std::strtod(ToUtf8().c_str(), nullptr); }
 
 float vemora_ustring::ToFloat() const { return static_cast<float>(ToDouble()); }
 
 int vemora_ustring::ToInt() const { return static_cast<int>(ToLong()); }
 
-long vemora_ustring::ToLong() const { return std::atol(ToUtf8().c_str()); }
+long vemora_ustring::ToLong() const { return std::strtol(ToUtf8().c_str(), nullptr, 10); }
 
 void vemora_ustring::AssignFormatted(const CodeUnit* format, ...) {
   if (*format == 0) {

@@ -1,1 +1,110 @@
-int main() {}
+// Writes and reads preferences through the JSON back end and shows what lies on disk afterwards.
+// usage: quickstart FOLDER
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <string>
+
+#include "prefs/JsonCommon.h"
+#include "prefs/Preferences.h"
+#include "prefs/PreferencesDefaults.h"
+
+namespace prefs = vemora::prefs;
+using vemora::utils::Dictionary;
+using vemora::utils::Variant;
+using vemora::utils::vemora_ustring;
+
+namespace {
+
+constexpr wchar_t kPlugin[] = L"My Plugin";
+
+void WriteAndReadEveryType() {
+  prefs::IPreferences& preferences = prefs::Get();
+  preferences.WriteInt(L"Preferences", L"AutoSaveFreq", 10);
+  preferences.WriteBool(L"Preferences", L"AutoSave", true);
+  preferences.WriteDouble(kPlugin, L"Scale", 2.5);
+  preferences.WriteString(kPlugin, L"Title", L"Entw\u00FCrfe");
+
+  std::cout << std::boolalpha
+            << "AutoSaveFreq: " << preferences.ReadInt(L"Preferences", L"AutoSaveFreq", 0) << '\n'
+            << "AutoSave:     " << preferences.ReadBool(L"Preferences", L"AutoSave", false) << '\n'
+            << "Scale:        " << preferences.ReadDouble(kPlugin, L"Scale", 1.0) << '\n'
+            << "Title:        " << preferences.ReadString(kPlugin, L"Title", L"").ToUtf8() << '\n'
+            << "absent:       " << preferences.ReadInt(kPlugin, L"Absent", -1) << '\n';
+}
+
+// A preference that the library knows has its level from a table; others take the default level,
+// which a guard changes for a while.
+void ShowShareLevels() {
+  prefs::IPreferences& preferences = prefs::Get();
+  preferences.WriteInt(L"PrintOptions", L"NumberOfPages", 2);
+  const prefs::ShareLevelOverride guard(prefs::kSharedForAllComputers);
+  preferences.WriteInt(kPlugin, L"Runs", 1);
+
+  const auto show = [&preferences](const vemora_ustring& category, const vemora_ustring& key) {
+    const prefs::EShareLevel level = preferences.GetLevel(category, key);
+    std::cout << category.ToUtf8() << " / " << key.ToUtf8() << ": "
+              << prefs::kShareLevelNames[level].ToUtf8() << '\n';
+  };
+  show(L"Preferences", L"AutoSaveFreq");
+  show(L"PrintOptions", L"NumberOfPages");
+  show(L"Preferences", L"BrowserHome");
+}
+
+void ShowOverwriteProtection() {
+  prefs::IPreferences& preferences = prefs::Get();
+  const prefs::OverwriteOverride guard(false);
+  preferences.WriteDouble(kPlugin, L"Scale", 99.0);
+  std::cout << "Scale, protected: " << preferences.ReadDouble(kPlugin, L"Scale", 1.0) << '\n';
+}
+
+std::string Describe(const Variant& value) {
+  if (value.GetType() == Variant::kBool) {
+    return value.GetBool() ? "true" : "false";
+  }
+  return std::to_string(value.GetInt());
+}
+
+void WriteAndReadDictionary() {
+  auto& store = dynamic_cast<prefs::JsonCommon&>(prefs::Get());
+  Dictionary window;
+  window.Set(L"width", 640);
+  window.Set(L"maximised", false);
+  store.WriteDictionary(L"Main Window", window);
+
+  Dictionary read;
+  store.ReadDictionary(L"Main Window", read);
+  for (const auto& [key, value] : read) {
+    std::cout << "Main Window, " << key.ToUtf8() << ": " << Describe(value) << '\n';
+  }
+}
+
+void PrintFile(const std::filesystem::path& path) {
+  std::cout << '\n' << path.filename().string() << ":\n" << std::ifstream(path).rdbuf() << '\n';
+}
+
+}  // namespace
+
+// NOLINTNEXTLINE(bugprone-exception-escape): a failure may end an example
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: quickstart FOLDER\n";
+    return 2;
+  }
+  const std::filesystem::path folder = argv[1];
+  std::filesystem::create_directories(folder);
+  const std::filesystem::path private_file = folder / "private.json";
+  const std::filesystem::path shared_file = folder / "shared.json";
+
+  prefs::SetPaths(private_file.wstring(), shared_file.wstring(), {});
+  WriteAndReadEveryType();
+  ShowShareLevels();
+  ShowOverwriteProtection();
+  WriteAndReadDictionary();
+  prefs::Get().SavePreferences();
+
+  PrintFile(private_file);
+  PrintFile(shared_file);
+  return 0;
+}
