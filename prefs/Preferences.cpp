@@ -1,19 +1,39 @@
 #include "prefs/Preferences.h"
 
 #include "prefs/PreferencesJson.h"
+#include "prefs/PreferencesRegistry.h"
 
 namespace vemora::prefs {
+namespace {
 
-IPreferences& Get() { return PreferencesJson::Get(); }
+/// Which back end was chosen last.
+bool use_json = true;
+
+}  // namespace
+
+IPreferences& Get() {
+  if (use_json) {
+    return PreferencesJson::Get();
+  }
+  return PreferencesRegistry::Get();
+}
 
 void Destroy() {
-  // Made first if need be: a store that was never used still writes its files when asked to.
-  PreferencesJson::Get();
-  PreferencesJson::Destroy();
+  if (use_json) {
+    // Made first if need be: a store that was never used is deleted all the same.
+    PreferencesJson::Get();
+    PreferencesJson::Destroy();
+  }
+}
+
+void SetPath(const vemora_ustring& path) {
+  use_json = false;
+  PreferencesRegistry::SetPath(path);
 }
 
 void SetPaths(const vemora_ustring& privatePath, const vemora_ustring& sharedPath,
               const vemora_ustring& /*unused*/) {
+  use_json = true;
   PreferencesJson& store = PreferencesJson::Get();
   if (privatePath != store.GetPrivatePath() || sharedPath != store.GetSharedPath()) {
     store.SetPaths(privatePath, sharedPath);
@@ -22,10 +42,21 @@ void SetPaths(const vemora_ustring& privatePath, const vemora_ustring& sharedPat
 }
 
 void SetSavePrefsFlag(bool save, bool deleteFiles) {
-  PreferencesJson::Get().SetSavePrefsFlag(save, deleteFiles);
+  if (use_json) {
+    PreferencesJson::Get().SetSavePrefsFlag(save, deleteFiles);
+  }
+}
+
+void SetWriteImmediately(bool on) {
+  if (!use_json) {
+    PreferencesRegistry::SetWriteImmediately(on);
+  }
 }
 
 EPrefsBits PreferencesExist(EPrefsBits /*ignored*/) {
+  if (!use_json) {
+    return PreferencesRegistry::PathExists() ? kAllPrefs : kNoPrefs;
+  }
   std::uint32_t bits = kNoPrefs;
   for (std::uint32_t level = 0; level < kShareLevelCount; ++level) {
     if (!Get().IsLevelEmpty(static_cast<EShareLevel>(level))) {

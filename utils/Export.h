@@ -9,3 +9,13 @@
 #else
 #define COMMONPREFERENCES_API __declspec(dllimport)
 #endif
+
+// An exported instance of a template is marked where it is declared; Visual C++ wants the mark of
+// the exporting side at its definition instead.
+#if defined(_MSC_VER) && defined(COMMONPREFERENCES_BUILD)
+#define COMMONPREFERENCES_TEMPLATE_DECLARE
+#define COMMONPREFERENCES_TEMPLATE_DEFINE COMMONPREFERENCES_API
+#else
+#define COMMONPREFERENCES_TEMPLATE_DECLARE COMMONPREFERENCES_API
+#define COMMONPREFERENCES_TEMPLATE_DEFINE
+#endif

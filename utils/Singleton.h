@@ -25,24 +25,14 @@ class Singleton {
   /// The instance, made when there is none. It is deleted by `Destroy` or, at the latest, when the
   /// process ends or the library that made it is unloaded.
   /// @throws std::bad_alloc when it cannot be made; the next call tries again
-  static T& Get() {
-    if (static_instance_ == nullptr) {
-      static_instance_ = new T;
-      // If the system takes no more exit hooks, the instance lives until `Destroy` is called.
-      static_cast<void>(std::atexit(&Singleton::Destroy));
-    }
-    return *static_instance_;
-  }
+  static T& Get();
 
   /// Deletes the instance, if there is one. A later `Get` makes a new one.
-  static void Destroy() {
-    delete static_instance_;
-    static_instance_ = nullptr;
-  }
+  static void Destroy();
 
  protected:
   Singleton() = default;
-  virtual ~Singleton() { static_instance_ = nullptr; }
+  virtual ~Singleton();
 
  private:
   static T* static_instance_;
@@ -50,5 +40,28 @@ class Singleton {
 
 template <typename T>
 T* Singleton<T>::static_instance_ = nullptr;
+
+// Outside the class, and so not inline: a library can then export its instance whole.
+
+template <typename T>
+T& Singleton<T>::Get() {
+  if (static_instance_ == nullptr) {
+    static_instance_ = new T;
+    // If the system takes no more exit hooks, the instance lives until `Destroy` is called.
+    static_cast<void>(std::atexit(&Singleton::Destroy));
+  }
+  return *static_instance_;
+}
+
+template <typename T>
+void Singleton<T>::Destroy() {
+  delete static_instance_;
+  static_instance_ = nullptr;
+}
+
+template <typename T>
+Singleton<T>::~Singleton() {
+  static_instance_ = nullptr;
+}
 
 }  // namespace vemora::utils

@@ -1,0 +1,125 @@
+#include "prefs/PreferencesBase.h"
+
+#include <utility>
+
+namespace vemora::prefs {
+
+using utils::Variant;
+
+PreferencesBase::PreferencesBase(bool write_immediately) : writeImmediately(write_immediately) {}
+
+PreferencesBase::PreferencesBase(const PreferencesBase& other) = default;
+
+PreferencesBase& PreferencesBase::operator=(const PreferencesBase& other) = default;
+
+PreferencesBase::~PreferencesBase() = default;
+
+int PreferencesBase::ReadInt(const vemora_ustring& category, const vemora_ustring& key,
+                             int defaultValue) {
+  const Variant value = GetValueFromMaps(category, key);
+  return value.GetType() == Variant::kInt ? value.GetInt() : LoadInt(category, key, defaultValue);
+}
+
+bool PreferencesBase::WriteInt(const vemora_ustring& category, const vemora_ustring& key,
+                               int value) {
+  WriteValueToMaps(category, key, value);
+  return !writeImmediately || SaveInt(category, key, value);
+}
+
+double PreferencesBase::ReadDouble(const vemora_ustring& category, const vemora_ustring& key,
+                                   double defaultValue) {
+  const Variant value = GetValueFromMaps(category, key);
+  return value.GetType() == Variant::kDouble ? value.GetDouble()
+                                             : LoadDouble(category, key, defaultValue);
+}
+
+bool PreferencesBase::WriteDouble(const vemora_ustring& category, const vemora_ustring& key,
+                                  double value) {
+  WriteValueToMaps(category, key, value);
+  return !writeImmediately || SaveDouble(category, key, value);
+}
+
+vemora_ustring PreferencesBase::ReadString(const vemora_ustring& category,
+                                           const vemora_ustring& key,
+                                           const vemora_ustring& defaultValue) {
+  const Variant value = GetValueFromMaps(category, key);
+  return value.GetType() == Variant::kString ? value.GetString()
+                                             : LoadString(category, key, defaultValue);
+}
+
+bool PreferencesBase::WriteString(const vemora_ustring& category, const vemora_ustring& key,
+                                  const vemora_ustring& value) {
+  WriteValueToMaps(category, key, value);
+  return !writeImmediately || SaveString(category, key, value);
+}
+
+bool PreferencesBase::ReadBool(const vemora_ustring& category, const vemora_ustring& key,
+                               bool defaultValue) {
+  const Variant value = GetValueFromMaps(category, key);
+  return value.GetType() == Variant::kBool ? value.GetBool()
+                                           : LoadBool(category, key, defaultValue);
+}
+
+bool PreferencesBase::WriteBool(const vemora_ustring& category, const vemora_ustring& key,
+                                bool value) {
+  WriteValueToMaps(category, key, value);
+  return !writeImmediately || SaveBool(category, key, value);
+}
+
+// Binary values pass the cache by, whatever the write policy: this is meant.
+std::string PreferencesBase::ReadBinary(const vemora_ustring& category, const vemora_ustring& key,
+                                        const std::string& defaultValue) {
+  return LoadBinary(category, key, defaultValue);
+}
+
+bool PreferencesBase::WriteBinary(const vemora_ustring& category, const vemora_ustring& key,
+                                  const std::string& value) {
+  return SaveBinary(category, key, value);
+}
+
+void PreferencesBase::LoadPreferences() {}
+
+void PreferencesBase::SavePreferences() {
+  for (const auto& [category, keys] : cache) {
+    for (const auto& [key, value] : keys) {
+      SaveValue(category, key, value);
+    }
+  }
+}
+
+Variant PreferencesBase::GetValueFromMaps(const vemora_ustring& category,
+                                          const vemora_ustring& key) const {
+  const auto keys = cache.find(category);
+  if (keys == cache.end()) {
+    return {};
+  }
+  const auto found = keys->second.find(key);
+  return found != keys->second.end() ? found->second : Variant();
+}
+
+void PreferencesBase::WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
+                                       const Variant& value) {
+  cache[category].insert_or_assign(key, value);
+}
+
+void PreferencesBase::SaveValue(const vemora_ustring& category, const vemora_ustring& key,
+                                const Variant& value) {
+  switch (value.GetType()) {
+    case Variant::kBool:
+      SaveBool(category, key, value.GetBool());
+      break;
+    case Variant::kInt:
+      SaveInt(category, key, value.GetInt());
+      break;
+    case Variant::kDouble:
+      SaveDouble(category, key, value.GetDouble());
+      break;
+    case Variant::kString:
+      SaveString(category, key, value.GetString());
+      break;
+    default:
+      break;
+  }
+}
+
+}  // namespace vemora::prefs
