@@ -1,0 +1,76 @@
+/// @file
+/// A registry key for one test, and raw access to what lies below it.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "support.h"
+#include "utils/vemora_ustring.h"
+
+namespace vemora::testing {
+
+/// A path below HKEY_CURRENT_USER that no program uses. Nothing is there at first; what is made
+/// below it is removed when the test has ended.
+class RegistryKey {
+ public:
+  explicit RegistryKey(const std::wstring& name = L"key") : path_(std::wstring(kRoot) + L'\\' + name) {
+    RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+  }
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+  ~RegistryKey() {
+    RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+    RegDeleteKeyW(HKEY_CURRENT_USER, path_.c_str());
+    RegDeleteKeyW(HKEY_CURRENT_USER, kRoot);  // succeeds when it is the last
+  }
+
+  vemora_ustring path() const { return path_; }
+
+  void Create() const {
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, path_.c_str(), &key), ERROR_SUCCESS);
+    RegCloseKey(key);
+  }
+
+  void SetDword(const wchar_t* category, const wchar_t* name, DWORD value) const {
+    Set(category, name, REG_DWORD, &value, sizeof(value));
+  }
+  void SetText(const wchar_t* category, const wchar_t* name, const std::wstring& text) const {
+    Set(category, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
+  }
+
+  /// The stored value, if there is one of that type.
+  std::optional<DWORD> Dword(const wchar_t* category, const wchar_t* name) const {
+    DWORD value = 0;
+    DWORD size = sizeof(value);
+    const bool found = RegGetValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name,
+                                    RRF_RT_REG_DWORD, nullptr, &value, &size) == ERROR_SUCCESS;
+    return found ? std::optional(value) : std::nullopt;
+  }
+  std::optional<std::wstring> Text(const wchar_t* category, const wchar_t* name) const {
+    wchar_t text[256] = {};
+    DWORD size = sizeof(text);
+    const bool found = RegGetValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name,
+                                    RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS;
+    return found ? std::optional<std::wstring>(text) : std::nullopt;
+  }
+
+ private:
+  static constexpr wchar_t kRoot[] = LR"(Software\VemoraTests)";
+
+  std::wstring Subkey(const wchar_t* category) const { return path_ + L'\\' + category; }
+
+  void Set(const wchar_t* category, const wchar_t* name, DWORD type, const void* data,
+           std::size_t size) const {
+    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name, type, data,
+                              static_cast<DWORD>(size)),
+              ERROR_SUCCESS);
+  }
+
+  std::wstring path_;
+};
+
+}  // namespace vemora::testing
