@@ -1,0 +1,13 @@
+/// @file
+/// Every header that a host may include.
+#pragma once
+
+#include "prefs/IPreferences.h"
+#include "prefs/JsonCommon.h"
+#include "prefs/Preferences.h"
+#include "prefs/PreferencesDefaults.h"
+#include "prefs/ShareLevel.h"
+#include "utils/Dictionary.h"
+#include "utils/Singleton.h"
+#include "utils/Variant.h"
+#include "utils/vemora_ustring.h"
