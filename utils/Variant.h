@@ -66,11 +66,11 @@ class Variant {
   Variant(const Vector& value);
   Variant(const Map& value);
 
-  /// A pointer would otherwise turn into a bool. Wrap texts in a `vemora_ustring`.
-  template <typename Pointer,
-            std::enable_if_t<std::is_pointer_v<Pointer> || std::is_member_pointer_v<Pointer> ||
-                                 std::is_null_pointer_v<Pointer>,
-                             int> = 0>
+  /// A pointer, or what turns into one, would otherwise become a bool. Wrap texts in a
+  /// `vemora_ustring`.
+  template <typename Pointer, std::enable_if_t<std::is_convertible_v<Pointer, bool> &&
+                                                   !std::is_convertible_v<Pointer, int>,
+                                               int> = 0>
   Variant(Pointer) = delete;
 
   Variant(const Variant& other);

@@ -8,10 +8,25 @@
 namespace vemora::utils {
 namespace {
 
+/// Whether a conversion takes a text, as "%s" and "%2$-5ls" do; "%%" is skipped as a whole.
+bool TakesText(const std::wstring& format) {
+  for (std::size_t index = format.find(L'%'); index != std::wstring::npos;
+       index = format.find(L'%', index + 1)) {
+    index = format.find_first_not_of(L"0123456789$.*+-# hlLw", index + 1);
+    if (index == std::wstring::npos) {
+      return false;
+    }
+    if (format[index] == L's' || format[index] == L'S') {
+      return true;
+    }
+  }
+  return false;
+}
+
 /// Formats by the host's own wide formatter; false when it refuses.
 bool FormatWide(const CodeUnit* format, std::va_list arguments, std::wstring& result) {
   const std::wstring wide_format(format, format + std::char_traits<CodeUnit>::length(format));
-  if (wide_format.find(L's') != std::wstring::npos) {
+  if (TakesText(wide_format)) {
     return false;
   }
   std::wstring buffer(1024, L'\0');
