@@ -16,6 +16,9 @@
 namespace vemora::prefs {
 namespace {
 
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
 using testing::kEmptyPrivateFile;
 using testing::kEmptySharedFile;
 using testing::OpenStore;
@@ -239,7 +242,7 @@ INSTANTIATE_TEST_SUITE_P(
                       TextSpelling{"\\uD800", R"("\\uD800")"}, TextSpelling{"/", "\"/\""},
                       TextSpelling{"\b\f\n\r\t", R"("\b\f\n\r\t")"},
                       TextSpelling{"\x01\x1F\x7F", "\"\\u0001\\u001F\x7F\""},
-                      TextSpelling{std::string("a\0b", 3), R"("a\u0000b")"},
+                      TextSpelling{"a\0b"s, R"("a\u0000b")"},
                       TextSpelling{"\xC3\xA9\xE2\x82\xAC", "\"\xC3\xA9\xE2\x82\xAC\""},
                       TextSpelling{"\xF0\x9F\x98\x80", "\"\xF0\x9F\x98\x80\""},
                       TextSpelling{"\xED\xA0\x80x", "\"\xED\xA0\x80x\""}));
@@ -718,12 +721,9 @@ TEST_F(JsonFilesRoundTrip, KeepsEveryAsciiCharacterInNames) {
 
 TEST_F(JsonFilesRoundTrip, KeepsNamesAndValuesOfEveryKind) {
   for (const std::string_view text :
-       {std::string_view(""), std::string_view("a\0b", 3), std::string_view("\0", 1),
-        std::string_view("\"\\\""), std::string_view("C:\\temp\\new"),
-        std::string_view("\\uD800\\\\uDC00\\"), std::string_view("\xED\xA0\x80"),
-        std::string_view("\xED\xB0\x80"), std::string_view("\xED\xB0\x80\xED\xA0\x80"),
-        std::string_view("\xF0\x9F\x98\x80"), std::string_view("\xEF\xBF\xBF"),
-        std::string_view("\xEF\xBB\xBF"), std::string_view("{\"a\": [1, null]}")}) {
+       {""sv, "a\0b"sv, "\0"sv, "\"\\\""sv, "C:\\temp\\new"sv, "\\uD800\\\\uDC00\\"sv,
+        "\xED\xA0\x80"sv, "\xED\xB0\x80"sv, "\xED\xB0\x80\xED\xA0\x80"sv, "\xF0\x9F\x98\x80"sv,
+        "\xEF\xBF\xBF"sv, "\xEF\xBB\xBF"sv, "{\"a\": [1, null]}"sv}) {
     ExpectText(Utf8(text));
   }
 }
@@ -758,13 +758,12 @@ TEST_P(JsonFilesText, LoadsBackEqualAfterASave) {
   EXPECT_EQ(loaded.ReadString("C", text, "none"), text);
 }
 
-INSTANTIATE_TEST_SUITE_P(Escape, JsonFilesText,
-                         ::testing::Values(SpelledText{R"(\u0041\u00e9\u00E9)",
-                                                       "A\xC3\xA9\xC3\xA9"},
-                                           SpelledText{R"(a\u0000b)", std::string("a\0b", 3)},
-                                           SpelledText{R"(\u0000)", std::string("\0", 1)},
-                                           SpelledText{R"(\u0001\u001F\u007f)", "\x01\x1F\x7F"},
-                                           SpelledText{R"(\\\"\/)", "\\\"/"}));
+INSTANTIATE_TEST_SUITE_P(
+    Escape, JsonFilesText,
+    ::testing::Values(SpelledText{R"(\u0041\u00e9\u00E9)", "A\xC3\xA9\xC3\xA9"},
+                      SpelledText{R"(a\u0000b)", "a\0b"s}, SpelledText{R"(\u0000)", "\0"s},
+                      SpelledText{R"(\u0001\u001F\u007f)", "\x01\x1F\x7F"},
+                      SpelledText{R"(\\\"\/)", "\\\"/"}));
 
 INSTANTIATE_TEST_SUITE_P(
     EscapedSurrogate, JsonFilesText,
