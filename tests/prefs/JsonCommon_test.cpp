@@ -1,12 +1,12 @@
 #include "prefs/JsonCommon.h"
 
-#include <array>
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <limits>
 #include <memory>
 #include <string>
-#include <tuple>
+#include <string_view>
 #include <utility>
 #include <vector>
 

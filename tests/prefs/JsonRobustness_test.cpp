@@ -1,7 +1,5 @@
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "prefs/JsonCommon.h"
 #include "prefs/store_support.h"

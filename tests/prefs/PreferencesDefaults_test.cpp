@@ -1,6 +1,7 @@
 #include "prefs/PreferencesDefaults.h"
 
 #include <stdexcept>
+#include <string>
 
 #include "support.h"
 
@@ -55,6 +56,7 @@ TEST(OverwriteOverride, LeavesTheShareLevelAlone) {
 }
 
 struct ShareLevelTraits {
+  static constexpr const char* kName = "ShareLevel";
   using Guard = ShareLevelOverride;
   using Value = EShareLevel;
   static constexpr Value kInitial = kNoShareLevel;
@@ -64,6 +66,7 @@ struct ShareLevelTraits {
 };
 
 struct OverwriteTraits {
+  static constexpr const char* kName = "Overwrite";
   using Guard = OverwriteOverride;
   using Value = bool;
   static constexpr Value kInitial = true;
@@ -77,7 +80,15 @@ template <typename Traits>
 class Guards : public ::testing::Test {};
 
 using BothDefaults = ::testing::Types<ShareLevelTraits, OverwriteTraits>;
-TYPED_TEST_SUITE(Guards, BothDefaults);
+
+struct TraitsNames {
+  template <typename Traits>
+  static std::string GetName(int /*index*/) {
+    return Traits::kName;
+  }
+};
+
+TYPED_TEST_SUITE(Guards, BothDefaults, TraitsNames);
 
 TYPED_TEST(Guards, RestoreWhatTheyFoundInReverseOrder) {
   using Guard = typename TypeParam::Guard;

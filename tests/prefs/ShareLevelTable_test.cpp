@@ -1,12 +1,14 @@
 #include "prefs/ShareLevelTable.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "prefs/PreferencesDefaults.h"
