@@ -5,11 +5,14 @@
 #include <rapidjson/stringbuffer.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace vemora::prefs {
@@ -42,15 +45,65 @@ class ThrowingAllocator {
 
 using Utf8 = rapidjson::UTF8<>;
 using Pool = rapidjson::MemoryPoolAllocator<ThrowingAllocator>;
-using Document = rapidjson::GenericDocument<Utf8, Pool, ThrowingAllocator>;
-using Value = Document::ValueType;
+using Tree = rapidjson::GenericDocument<Utf8, Pool, ThrowingAllocator>;
+using Value = Tree::ValueType;
+using Reader = rapidjson::GenericReader<Utf8, Utf8, ThrowingAllocator>;
 using Buffer = rapidjson::GenericStringBuffer<Utf8, ThrowingAllocator>;
 using Writer = rapidjson::PrettyWriter<Buffer, Utf8, Utf8, ThrowingAllocator>;
 
-// Iterative, so that deep nesting cannot exhaust the stack; full precision, so that every double
-// comes back as it was saved.
-constexpr unsigned kParseFlags =
-    rapidjson::kParseIterativeFlag | rapidjson::kParseFullPrecisionFlag;
+/// Whether all of the text is a number that fits.
+template <typename Number>
+bool Convert(std::string_view text, Number& number) {
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  return result.ec == std::errc() && result.ptr == end;
+}
+
+/// Whether a number that no double can hold is too small, and not too large.
+bool IsTooSmall(std::string_view number) {
+  const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view digits = number.substr(0, mark);
+  std::string_view power = number.substr(mark);
+  power.remove_prefix(std::min(power.find_first_of("-0123456789"), power.size()));
+  std::int32_t exponent = 0;
+  if (!power.empty() && !Convert(power, exponent)) {
+    return power.front() == '-';
+  }
+  const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+  const auto first = static_cast<std::int64_t>(digits.find_first_of("123456789"));
+  return point - first + exponent < 0;
+}
+
+/// A parsed text. Converts the numbers itself, correctly rounded, so that every double comes back
+/// as it was saved: the parser's own exact conversion reads beyond its tables for a number such as
+/// 0.00...01 with some hundred zeros, and makes infinities of numbers that are slightly too large.
+class Document : public Tree {
+ public:
+  /// Stays null when the text, which is overwritten, is malformed.
+  explicit Document(char* text) {
+    // Iterative, so that deep nesting cannot exhaust the stack.
+    constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
+                                rapidjson::kParseNumbersAsStringsFlag;
+    auto parse = [this, text](Tree&) {
+      rapidjson::GenericInsituStringStream<Utf8> stream(text);
+      return !Reader().Parse<kFlags>(stream, *this).IsError();
+    };
+    Populate(parse);
+  }
+
+  /// What the parser calls for a number. False, which makes the text malformed, for one that is too
+  /// large; the parser itself refuses most of these.
+  bool RawNumber(const char* text, rapidjson::SizeType length, bool /*copy*/) {
+    const std::string_view number(text, length);
+    std::int64_t integer = 0;
+    std::uint64_t large_integer = 0;
+    double real = 0;
+    if (Convert(number, integer)) return Int64(integer);
+    if (Convert(number, large_integer)) return Uint64(large_integer);
+    if (Convert(number, real)) return Double(real);
+    return IsTooSmall(number) && Double(number.front() == '-' ? -0.0 : 0.0);
+  }
+};
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
@@ -189,9 +242,8 @@ void ReadLevels(char* text, std::size_t size, LevelMaps& levels, EShareLevel fir
   UnescapeLoneSurrogates(text, size);
   const bool marked = std::strncmp(text, kByteOrderMark.data(), kByteOrderMark.size()) == 0;
 
-  Document document;
-  document.ParseInsitu<kParseFlags>(marked ? text + kByteOrderMark.size() : text);
-  if (document.HasParseError() || !document.IsObject()) {
+  Document document(marked ? text + kByteOrderMark.size() : text);
+  if (!document.IsObject()) {
     return;
   }
   std::size_t level = first;

@@ -16,7 +16,8 @@ namespace vemora::testing {
 /// below it is removed when the test has ended.
 class RegistryKey {
  public:
-  explicit RegistryKey(const std::wstring& name = L"key") : path_(std::wstring(kRoot) + L'\\' + name) {
+  explicit RegistryKey(const std::wstring& name = L"key")
+      : path_(std::wstring(kRoot) + L'\\' + name) {
     RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
   }
   RegistryKey(const RegistryKey&) = delete;
