@@ -28,7 +28,7 @@ target_compile_definitions(project_options INTERFACE
 
 if(COMMONPREFERENCES_SANITIZE STREQUAL "full")
   set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_compile_options(project_options INTERFACE ${sanitizer_flags})
+  target_compile_options(project_options INTERFACE ${sanitizer_flags} -O1)
   target_link_options(project_options INTERFACE ${sanitizer_flags})
 elseif(COMMONPREFERENCES_SANITIZE STREQUAL "trap")
   target_compile_options(project_options INTERFACE

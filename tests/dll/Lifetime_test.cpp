@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "run_program.h"
 #include "support.h"
 
 namespace vemora::testing {
@@ -59,33 +60,6 @@ constexpr char kEmptyShared[] = R"({
     "Android Only": {}
 })";
 
-// The exit code of the program, which lies beside this one; it runs to its end.
-DWORD Run(const std::wstring& program, const Steps& arguments) {
-  std::array<wchar_t, 32768> self{};
-  GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
-  const std::filesystem::path path =
-      std::filesystem::path(self.data()).replace_filename(program + L".exe");
-
-  std::wstring command = L'"' + path.wstring() + L'"';
-  for (const std::wstring& argument : arguments) {
-    command += L" \"" + argument + L'"';
-  }
-  STARTUPINFOW startup{};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION process{};
-  if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                     &startup, &process) == 0) {
-    ADD_FAILURE() << "cannot start " << path;
-    return EXIT_FAILURE;
-  }
-  WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD exit_code = EXIT_FAILURE;
-  GetExitCodeProcess(process.hProcess, &exit_code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return exit_code;
-}
-
 // Two files, and a host that is run on them.
 class HostLife {
  public:
@@ -99,7 +73,7 @@ class HostLife {
   void RunHost(const std::wstring& program, const Steps& steps) {
     Steps arguments = {private_file().wstring(), shared_file().wstring()};
     arguments.insert(arguments.end(), steps.begin(), steps.end());
-    ASSERT_EQ(Run(program, arguments), static_cast<DWORD>(EXIT_SUCCESS));
+    ASSERT_EQ(RunProgram(program, arguments), static_cast<DWORD>(EXIT_SUCCESS));
   }
   void RunHost(const Steps& steps) { RunHost(L"lifetime_host", steps); }
 

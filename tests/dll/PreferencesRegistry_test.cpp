@@ -11,6 +11,7 @@
 #include "prefs/JsonCommon.h"
 #include "prefs/Preferences.h"
 #include "registry_key.h"
+#include "run_program.h"
 #include "support.h"
 
 namespace vemora::prefs {
@@ -309,6 +310,16 @@ TEST_F(PreferencesRegistryTest, SetSavePrefsFlagDoesNothingInRegistryMode) {
   SetPaths(testing::ToText(private_file), testing::ToText(shared_file), {});
   Destroy();
   EXPECT_TRUE(std::filesystem::exists(private_file));
+}
+
+TEST_F(PreferencesRegistryTest, AHostThatEndsFlushesDeferredWrites) {
+  EXPECT_EQ(testing::RunProgram(L"registry_writer", {key_.path(), L"deferred"}), 0U);
+  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+}
+
+TEST_F(PreferencesRegistryTest, AHostThatEndsDoesNotFlushAfterImmediateWrites) {
+  EXPECT_EQ(testing::RunProgram(L"registry_writer", {key_.path(), L"immediate"}), 0U);
+  EXPECT_EQ(key_.Dword(L"Category", L"key"), std::nullopt);
 }
 
 }  // namespace

@@ -5,13 +5,14 @@
 #error "This is to see all that <windows.h> defines."
 #endif
 
-// clang-format off: the order of the headers is what is tested.
+// The order of the headers is what is tested.
+// clang-format off
 #ifdef WINDOWS_H_FIRST
 #include <windows.h>
 #include "public_headers.h"
 #else
-#include <windows.h>
 #include "public_headers.h"
+#include <windows.h>
 #endif
 // clang-format on
 
@@ -65,6 +66,19 @@ bool UseFrontDoor() {
   return done;
 }
 
+// <windows.h> renames LoadString; the helper's name and the back end's operation stand all the
+// same.
+bool UseRegistry() {
+  const vemora_ustring path = LR"(Software\VemoraTests\windows.h)";
+  SetPath(path);
+  const bool done = Get().WriteString(L"c", L"s", L"text") &&
+                    Registry::LoadStringW(HKEY_CURRENT_USER, path, L"c", L"s", {}) == L"text" &&
+                    PreferencesRegistry::Get().ReadString(L"c", L"t", L"none") == L"none" &&
+                    Registry::DeleteKey(Registry::kCurrentUser, path, L"c");
+  RegDeleteKeyW(HKEY_CURRENT_USER, path.c_str());
+  return done;
+}
+
 bool UseGuards() {
   const ShareLevelOverride level(kWebOnly);
   const OverwriteOverride overwrite(false);
@@ -80,4 +94,6 @@ bool UseValues() {
 
 }  // namespace
 
-bool HOST_FUNCTION() { return UseWholeStore() && UseFrontDoor() && UseGuards() && UseValues(); }
+bool HOST_FUNCTION() {
+  return UseWholeStore() && UseFrontDoor() && UseRegistry() && UseGuards() && UseValues();
+}
