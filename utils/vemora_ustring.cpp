@@ -199,6 +199,10 @@ vemora_ustring::vemora_ustring(const CodeUnit* text) {
   }
 }
 
+vemora_ustring& vemora_ustring::operator=(const CodeUnit* text) {
+  return *this = vemora_ustring(text);
+}
+
 vemora_ustring::vemora_ustring(const char* text) {
   if (text != nullptr) {
     *this = FromWide(WideFromMultibyte(text));

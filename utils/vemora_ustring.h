@@ -33,6 +33,7 @@ class vemora_ustring : public std::basic_string<CodeUnit> {
 
   /// Zero-terminated UTF-16 text; null gives an empty string.
   vemora_ustring(const CodeUnit* text);
+  vemora_ustring& operator=(const CodeUnit* text);
 
   /// Zero-terminated text in the multibyte encoding of the current C locale; this is no UTF-8
   /// decoder. Null gives an empty string. Of text that the locale cannot convert, the characters

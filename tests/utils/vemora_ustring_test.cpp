@@ -63,6 +63,9 @@ TEST(StringInterface, ConstructsFromZeroTerminatedCodeUnits) {
 TEST(StringInterface, TakesANullCodeUnitPointerAsEmpty) {
   const CodeUnit* const null = nullptr;
   EXPECT_TRUE(vemora_ustring(null).empty());
+  vemora_ustring text = "old";
+  text = null;
+  EXPECT_TRUE(text.empty());
 }
 
 TEST(StringInterface, CopiesIndependently) {
