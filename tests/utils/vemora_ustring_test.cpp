@@ -203,7 +203,7 @@ TEST(EightBitText, OfNothingIsEmpty) {
 }
 
 TEST(EightBitText, OfAnySizeIsConvertedWhole) {
-  for (const std::size_t length : {1, 7, 8, 15, 16, 255, 256, 100000}) {
+  for (const std::size_t length : {1U, 7U, 8U, 15U, 16U, 255U, 256U, 100000U}) {
     const std::string text(length, 'x');
     EXPECT_EQ(vemora_ustring(text.c_str()).ToStdString(), text);
   }
@@ -285,8 +285,8 @@ TEST(FromUtf8, RoundTripsCodePoints) {
 }
 
 TEST(FromUtf8, RoundTripsTheEndsOfEachLength) {
-  for (const char32_t point : {0x0, 0x7F, 0x80, 0x7FF, 0x800, 0xD7FF, 0xE000, 0xFFFD, 0xFFFE,
-                               0xFFFF, 0x10000, 0x1FFFF, 0x100000, 0x10FFFF}) {
+  for (const char32_t point : {0x0U, 0x7FU, 0x80U, 0x7FFU, 0x800U, 0xD7FFU, 0xE000U, 0xFFFDU,
+                               0xFFFEU, 0xFFFFU, 0x10000U, 0x1FFFFU, 0x100000U, 0x10FFFFU}) {
     const vemora_ustring text = FromPoint(point);
     EXPECT_EQ(Utf8(text.ToUtf8()), text) << "U+" << std::hex << unsigned{point};
   }
