@@ -69,9 +69,11 @@ def parse(text):
 
 def main():
     clang, source, layout_file, *arguments = sys.argv[1:]
-    dump = without_namespaces(subprocess.run(
-        [clang, *ARGUMENTS, *arguments, source],
-        check=True, stdout=subprocess.PIPE, text=True).stdout)
+    compilation = subprocess.run(
+        [clang, *ARGUMENTS, *arguments, source], stdout=subprocess.PIPE, text=True)
+    if compilation.returncode != 0:
+        return compilation.returncode
+    dump = without_namespaces(compilation.stdout)
     actual = {**dict(vftables(dump)), **dict(records(dump))}
     expected = parse(pathlib.Path(layout_file).read_text())
 

@@ -1,4 +1,5 @@
-// What Destroy does where it can't be seen from outside: the memory it takes and gives back.
+// What the front door does with memory: when the store is made and deleted, and what happens when
+// there is no room for it.
 
 #include <cstdlib>
 #include <new>
@@ -12,6 +13,7 @@ namespace {
 int stores_made = 0;
 int stores_deleted = 0;
 void* last_store = nullptr;
+bool no_room_for_store = false;
 
 void Release(void* memory) {
   if (memory != nullptr && memory == last_store) {
@@ -24,11 +26,12 @@ void Release(void* memory) {
 }  // namespace
 
 void* operator new(std::size_t size) {
-  void* memory = std::malloc(size == 0 ? 1 : size);
+  const bool is_store = size == sizeof(vemora::prefs::PreferencesJson);
+  void* memory = is_store && no_room_for_store ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (memory == nullptr) {
     throw std::bad_alloc();
   }
-  if (size == sizeof(vemora::prefs::PreferencesJson)) {
+  if (is_store) {
     ++stores_made;
     last_store = memory;
   }
@@ -42,13 +45,15 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept { Release(memo
 namespace vemora::prefs {
 namespace {
 
-class PreferencesDestroy : public ::testing::Test {
+class PreferencesMemory : public ::testing::Test {
  protected:
-  PreferencesDestroy() { Destroy(); }
-  ~PreferencesDestroy() override { Destroy(); }
+  PreferencesMemory() { Destroy(); }
+  ~PreferencesMemory() override { Destroy(); }
 
   static void StartCounting() { stores_made = stores_deleted = 0; }
 };
+
+using PreferencesDestroy = PreferencesMemory;
 
 TEST_F(PreferencesDestroy, WithoutAnInstanceMakesOneAndDeletesIt) {
   StartCounting();
@@ -71,6 +76,18 @@ TEST_F(PreferencesDestroy, MakesNoneUntilTheNextUse) {
   StartCounting();
   EXPECT_EQ(stores_made, 0);
   Get();
+  EXPECT_EQ(stores_made, 1);
+}
+
+using PreferencesGet = PreferencesMemory;
+
+TEST_F(PreferencesGet, ThrowsWithoutRoomForTheStoreAndTriesAgainOnTheNextCall) {
+  StartCounting();
+  no_room_for_store = true;
+  EXPECT_THROW(Get(), std::bad_alloc);
+  no_room_for_store = false;
+  Get().WriteInt("Test", "key", 5);
+  EXPECT_EQ(Get().ReadInt("Test", "key", 0), 5);
   EXPECT_EQ(stores_made, 1);
 }
 
