@@ -14,31 +14,55 @@
 
 namespace vemora::testing {
 
-/// Runs a program that lies beside this one to its end and gives its exit code.
-inline DWORD RunProgram(const std::wstring& program, const std::vector<std::wstring>& arguments) {
-  std::array<wchar_t, 32768> self{};
-  GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
-  const std::filesystem::path path =
-      std::filesystem::path(self.data()).replace_filename(program + L".exe");
+/// A program that lies beside this one, and runs.
+class Program {
+ public:
+  Program(const std::wstring& name, const std::vector<std::wstring>& arguments) {
+    std::array<wchar_t, 32768> self{};
+    GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
+    const std::filesystem::path path =
+        std::filesystem::path(self.data()).replace_filename(name + L".exe");
 
-  std::wstring command = L'"' + path.wstring() + L'"';
-  for (const std::wstring& argument : arguments) {
-    command += L" \"" + argument + L'"';
+    std::wstring command = L'"' + path.wstring() + L'"';
+    for (const std::wstring& argument : arguments) {
+      command += L" \"" + argument + L'"';
+    }
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &startup, &process_) == 0) {
+      ADD_FAILURE() << "cannot start " << path;
+    }
   }
-  STARTUPINFOW startup{};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION process{};
-  if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                     &startup, &process) == 0) {
-    ADD_FAILURE() << "cannot start " << path;
-    return EXIT_FAILURE;
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+  ~Program() {
+    CloseHandle(process_.hThread);
+    CloseHandle(process_.hProcess);
   }
-  WaitForSingleObject(process.hProcess, INFINITE);
-  DWORD exit_code = EXIT_FAILURE;
-  GetExitCodeProcess(process.hProcess, &exit_code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return exit_code;
+
+  bool IsRunning() const { return WaitForSingleObject(process_.hProcess, 0) == WAIT_TIMEOUT; }
+
+  void Kill() {
+    TerminateProcess(process_.hProcess, EXIT_FAILURE);
+    WaitForSingleObject(process_.hProcess, INFINITE);
+  }
+
+  /// Waits for the program's own end; its exit code.
+  DWORD Wait() {
+    DWORD exit_code = EXIT_FAILURE;
+    WaitForSingleObject(process_.hProcess, INFINITE);
+    GetExitCodeProcess(process_.hProcess, &exit_code);
+    return exit_code;
+  }
+
+ private:
+  PROCESS_INFORMATION process_{};
+};
+
+/// Runs a program that lies beside this one to its end and gives its exit code.
+inline DWORD RunProgram(const std::wstring& name, const std::vector<std::wstring>& arguments) {
+  return Program(name, arguments).Wait();
 }
 
 }  // namespace vemora::testing
