@@ -31,7 +31,7 @@ using utils::vemora_ustring;
 inline vemora_ustring Utf8(std::string_view text) { return vemora_ustring::FromUtf8(text); }
 
 inline vemora_ustring ToText(const std::filesystem::path& path) {
-  return vemora_ustring(path.native().begin(), path.native().end());
+  return Utf8(path.u8string());
 }
 
 inline void WriteBytes(const std::filesystem::path& path, std::string_view bytes) {

@@ -13,6 +13,8 @@
 namespace vemora::prefs {
 namespace {
 
+using testing::Utf8;
+
 static_assert(std::is_abstract_v<IPreferences>);
 static_assert(std::has_virtual_destructor_v<IPreferences>);
 static_assert(sizeof(IPreferences) == sizeof(void*), "the interface holds no data");
@@ -39,7 +41,7 @@ TEST_F(IPreferencesRead, ReturnsTheDoubleDefaultForAnAbsentKey) {
 }
 
 TEST_F(IPreferencesRead, ReturnsTheStringDefaultForAnAbsentKey) {
-  EXPECT_EQ(preferences_.ReadString("Category", "absent", L"f\u00FCr"), L"f\u00FCr");
+  EXPECT_EQ(preferences_.ReadString("Category", "absent", Utf8("f\xC3\xBCr")), Utf8("f\xC3\xBCr"));
 }
 
 TEST_F(IPreferencesRead, ReturnsTheEmptyStringDefaultForAnAbsentKey) {
@@ -88,8 +90,8 @@ TEST_F(IPreferencesWrite, ReportsThatADoubleWasAccepted) {
 }
 
 TEST_F(IPreferencesWrite, ReportsThatAStringWasAccepted) {
-  EXPECT_TRUE(preferences_.WriteString("Category", "key", L"\u65E5\u672C"));
-  EXPECT_EQ(preferences_.ReadString("Category", "key", {}), L"\u65E5\u672C");
+  EXPECT_TRUE(preferences_.WriteString("Category", "key", Utf8("\xE6\x97\xA5\xE6\x9C\xAC")));
+  EXPECT_EQ(preferences_.ReadString("Category", "key", {}), Utf8("\xE6\x97\xA5\xE6\x9C\xAC"));
 }
 
 TEST_F(IPreferencesWrite, ReportsThatABoolWasAccepted) {
@@ -160,8 +162,8 @@ INSTANTIATE_TEST_SUITE_P(Texts, IPreferencesNames,
                          ::testing::Values(Name{"Empty", {}}, Name{"Backslashes", "a\\b\\\\"},
                                            Name{"Quotes", "\"'\""},
                                            Name{"ControlCharacters", "\x01\t\r\n\x7F"},
-                                           Name{"Zero", vemora_ustring(L"a\0b", 3)},
-                                           Name{"LoneSurrogate", L"\xD800"},
+                                           Name{"Zero", Utf8({"a\0b", 3})},
+                                           Name{"LoneSurrogate", Utf8("\xED\xA0\x80")},
                                            Name{"Long", vemora_ustring(100000, L'x')}),
                          [](const auto& test) { return test.param.description; });
 
