@@ -6,7 +6,7 @@ namespace vemora::prefs {
 
 using utils::Variant;
 
-PreferencesBase::PreferencesBase(bool write_immediately) : writeImmediately(write_immediately) {}
+PreferencesBase::PreferencesBase(bool immediately) : writeImmediately(immediately) {}
 
 PreferencesBase::PreferencesBase(const PreferencesBase& other) = default;
 

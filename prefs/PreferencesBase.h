@@ -29,8 +29,8 @@ namespace vemora::prefs {
 /// it was written in this process, and the next flush writes it again.
 class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
  public:
-  /// @param writeImmediately whether each write goes to the store at once
-  explicit PreferencesBase(bool writeImmediately);
+  /// @param immediately whether each write goes to the store at once
+  explicit PreferencesBase(bool immediately);
   PreferencesBase(const PreferencesBase& other);
   PreferencesBase& operator=(const PreferencesBase& other);
 

@@ -30,9 +30,7 @@ using utils::vemora_ustring;
 /// Text from UTF-8, for what narrow literals cannot spell in every locale.
 inline vemora_ustring Utf8(std::string_view text) { return vemora_ustring::FromUtf8(text); }
 
-inline vemora_ustring ToText(const std::filesystem::path& path) {
-  return Utf8(path.u8string());
-}
+inline vemora_ustring ToText(const std::filesystem::path& path) { return Utf8(path.u8string()); }
 
 inline void WriteBytes(const std::filesystem::path& path, std::string_view bytes) {
   std::ofstream(path, std::ios::binary) << bytes;

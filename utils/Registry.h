@@ -9,7 +9,7 @@
 #include "utils/vemora_ustring.h"
 
 // As <windows.h> declares it, which this header does not include.
-struct HKEY__;
+struct HKEY__;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): theirs
 using HKEY = HKEY__*;
 
 namespace vemora::utils {
