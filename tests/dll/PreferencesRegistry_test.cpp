@@ -3,15 +3,13 @@
 
 #include "prefs/PreferencesRegistry.h"
 
-#include <windows.h>
-
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include "prefs/JsonCommon.h"
 #include "prefs/Preferences.h"
 #include "registry_key.h"
-#include "run_program.h"
 #include "support.h"
 
 namespace vemora::prefs {
@@ -43,7 +41,7 @@ class PreferencesRegistryTest : public ::testing::Test {
 };
 
 TEST_F(PreferencesRegistryTest, PathIsTheDefaultAtFirst) {
-  EXPECT_EQ(PreferencesRegistry::GetPath(), LR"(Software\Quillane\Quillane 2018)");
+  EXPECT_EQ(PreferencesRegistry::GetPath(), vemora_ustring(R"(Software\Quillane\Quillane 2018)"));
 }
 
 TEST_F(PreferencesRegistryTest, SetPathChoosesTheRegistryAndItsPath) {
@@ -65,68 +63,68 @@ TEST_F(PreferencesRegistryTest, DestroyOfTheSingletonMakesRoomForANewInstance) {
 
 TEST_F(PreferencesRegistryTest, WritesOfEveryTypeLandUnderThePathAtOnce) {
   IPreferences& preferences = Choose();
-  EXPECT_TRUE(preferences.WriteInt(L"Category", L"int", -5));
-  EXPECT_TRUE(preferences.WriteBool(L"Category", L"bool", true));
-  EXPECT_TRUE(preferences.WriteDouble(L"Category", L"double", 2.5));
-  EXPECT_TRUE(preferences.WriteString(L"Category", L"string", L"text"));
-  EXPECT_TRUE(preferences.WriteBinary(L"Category", L"binary", std::string("a\0b", 3)));
+  EXPECT_TRUE(preferences.WriteInt("Category", "int", -5));
+  EXPECT_TRUE(preferences.WriteBool("Category", "bool", true));
+  EXPECT_TRUE(preferences.WriteDouble("Category", "double", 2.5));
+  EXPECT_TRUE(preferences.WriteString("Category", "string", "text"));
+  EXPECT_TRUE(preferences.WriteBinary("Category", "binary", std::string("a\0b", 3)));
 
-  EXPECT_EQ(key_.Dword(L"Category", L"int"), static_cast<DWORD>(-5));
-  EXPECT_EQ(key_.Dword(L"Category", L"bool"), 1U);
-  EXPECT_EQ(key_.Text(L"Category", L"double"), L"2.500000");
-  EXPECT_EQ(key_.Text(L"Category", L"string"), L"text");
-  EXPECT_EQ(preferences.ReadBinary(L"Category", L"binary", ""), std::string("a\0b", 3));
+  EXPECT_EQ(key_.Dword("Category", "int"), static_cast<std::uint32_t>(-5));
+  EXPECT_EQ(key_.Dword("Category", "bool"), 1U);
+  EXPECT_EQ(key_.Text("Category", "double"), vemora_ustring("2.500000"));
+  EXPECT_EQ(key_.Text("Category", "string"), vemora_ustring("text"));
+  EXPECT_EQ(preferences.ReadBinary("Category", "binary", ""), std::string("a\0b", 3));
 }
 
 TEST_F(PreferencesRegistryTest, ReadsWhatAnotherProgramStored) {
-  key_.SetDword(L"Category", L"int", 7);
-  key_.SetDword(L"Category", L"bool", 2);
-  key_.SetText(L"Category", L"double", L"0.250000");
-  key_.SetText(L"Category", L"string", L"text");
+  key_.SetDword("Category", "int", 7);
+  key_.SetDword("Category", "bool", 2);
+  key_.SetText("Category", "double", "0.250000");
+  key_.SetText("Category", "string", "text");
   IPreferences& preferences = Choose();
-  EXPECT_EQ(preferences.ReadInt(L"Category", L"int", 0), 7);
-  EXPECT_TRUE(preferences.ReadBool(L"Category", L"bool", false));
-  EXPECT_EQ(preferences.ReadDouble(L"Category", L"double", 0.0), 0.25);
-  EXPECT_EQ(preferences.ReadString(L"Category", L"string", {}), L"text");
+  EXPECT_EQ(preferences.ReadInt("Category", "int", 0), 7);
+  EXPECT_TRUE(preferences.ReadBool("Category", "bool", false));
+  EXPECT_EQ(preferences.ReadDouble("Category", "double", 0.0), 0.25);
+  EXPECT_EQ(preferences.ReadString("Category", "string", {}), vemora_ustring("text"));
 }
 
 TEST_F(PreferencesRegistryTest, ReadsOfAbsentValuesReturnTheDefault) {
   IPreferences& preferences = Choose();
-  EXPECT_EQ(preferences.ReadInt(L"Category", L"key", 3), 3);
-  EXPECT_TRUE(preferences.ReadBool(L"Category", L"key", true));
-  EXPECT_EQ(preferences.ReadDouble(L"Category", L"key", 1.5), 1.5);
-  EXPECT_EQ(preferences.ReadString(L"Category", L"key", L"none"), L"none");
-  EXPECT_EQ(preferences.ReadString(L"Category", L"key", {}), L"");
-  EXPECT_EQ(preferences.ReadBinary(L"Category", L"key", "none"), "none");
-  EXPECT_EQ(preferences.ReadBinary(L"Category", L"key", {}), "");
+  EXPECT_EQ(preferences.ReadInt("Category", "key", 3), 3);
+  EXPECT_TRUE(preferences.ReadBool("Category", "key", true));
+  EXPECT_EQ(preferences.ReadDouble("Category", "key", 1.5), 1.5);
+  EXPECT_EQ(preferences.ReadString("Category", "key", "none"), vemora_ustring("none"));
+  EXPECT_EQ(preferences.ReadString("Category", "key", {}), vemora_ustring(""));
+  EXPECT_EQ(preferences.ReadBinary("Category", "key", "none"), "none");
+  EXPECT_EQ(preferences.ReadBinary("Category", "key", {}), "");
 }
 
 TEST_F(PreferencesRegistryTest, IsPreferenceSetAsksTheRegistry) {
   IPreferences& preferences = Choose();
-  EXPECT_FALSE(preferences.IsPreferenceSet(L"Category", L"key"));
-  key_.SetDword(L"Category", L"key", 1);
-  EXPECT_TRUE(preferences.IsPreferenceSet(L"Category", L"key"));
+  EXPECT_FALSE(preferences.IsPreferenceSet("Category", "key"));
+  key_.SetDword("Category", "key", 1);
+  EXPECT_TRUE(preferences.IsPreferenceSet("Category", "key"));
 }
 
 TEST_F(PreferencesRegistryTest, CategoryExistsAsksTheRegistry) {
   IPreferences& preferences = Choose();
-  EXPECT_FALSE(preferences.CategoryExists(L"Category"));
-  key_.SetDword(L"Category", L"key", 1);
-  EXPECT_TRUE(preferences.CategoryExists(L"Category"));
+  EXPECT_FALSE(preferences.CategoryExists("Category"));
+  key_.SetDword("Category", "key", 1);
+  EXPECT_TRUE(preferences.CategoryExists("Category"));
 }
 
 TEST_F(PreferencesRegistryTest, DeleteCategoryDeletesItsKey) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 1);
-  preferences.DeleteCategory(L"Category");
-  EXPECT_FALSE(preferences.CategoryExists(L"Category"));
+  preferences.WriteInt("Category", "key", 1);
+  preferences.DeleteCategory("Category");
+  EXPECT_FALSE(preferences.CategoryExists("Category"));
 }
 
 TEST_F(PreferencesRegistryTest, DeleteCategoryLeavesACategoryWithSubkeys) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(LR"(Category\Inner)", L"key", 1);
-  preferences.DeleteCategory(L"Category");
-  EXPECT_TRUE(preferences.CategoryExists(L"Category"));
+  preferences.WriteInt(R"(Category\Inner)", "key", 1);
+  preferences.DeleteCategory("Category");
+  EXPECT_TRUE(preferences.CategoryExists("Category"));
 }
 
 TEST_F(PreferencesRegistryTest, DeleteOfAnEmptyCategoryLeavesThePath) {
@@ -138,39 +136,39 @@ TEST_F(PreferencesRegistryTest, DeleteOfAnEmptyCategoryLeavesThePath) {
 
 TEST_F(PreferencesRegistryTest, DeletedPreferencesAreStillReadFromTheCache) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 1);
-  preferences.DeletePreference(L"Category", L"key");
-  EXPECT_FALSE(preferences.IsPreferenceSet(L"Category", L"key"));
-  EXPECT_EQ(preferences.ReadInt(L"Category", L"key", 0), 1);
+  preferences.WriteInt("Category", "key", 1);
+  preferences.DeletePreference("Category", "key");
+  EXPECT_FALSE(preferences.IsPreferenceSet("Category", "key"));
+  EXPECT_EQ(preferences.ReadInt("Category", "key", 0), 1);
 }
 
 TEST_F(PreferencesRegistryTest, DeletedPreferencesWrittenInThisProcessComeBackAtTheNextFlush) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 1);
-  preferences.DeletePreference(L"Category", L"key");
+  preferences.WriteInt("Category", "key", 1);
+  preferences.DeletePreference("Category", "key");
   preferences.SavePreferences();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 1U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 1U);
 }
 
 TEST_F(PreferencesRegistryTest, ACachedIntOverwritesABinaryValueWrittenLater) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 1);
-  preferences.WriteBinary(L"Category", L"key", "bytes");
+  preferences.WriteInt("Category", "key", 1);
+  preferences.WriteBinary("Category", "key", "bytes");
   preferences.SavePreferences();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 1U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 1U);
 }
 
 TEST_F(PreferencesRegistryTest, TheCacheTellsSpellingsApartThatTheRegistryDoesNot) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 1);
-  preferences.WriteInt(L"Category", L"KEY", 2);
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 2U);
-  EXPECT_EQ(preferences.ReadInt(L"Category", L"key", 0), 1);
+  preferences.WriteInt("Category", "key", 1);
+  preferences.WriteInt("Category", "KEY", 2);
+  EXPECT_EQ(key_.Dword("Category", "key"), 2U);
+  EXPECT_EQ(preferences.ReadInt("Category", "key", 0), 1);
 }
 
 TEST_F(PreferencesRegistryTest, EveryPreferenceIsOfThisComputer) {
   IPreferences& preferences = Choose();
-  EXPECT_EQ(preferences.GetLevel(L"Preferences", L"DisplayTabs"), kThisComputerOnly);
+  EXPECT_EQ(preferences.GetLevel("Preferences", "DisplayTabs"), kThisComputerOnly);
   EXPECT_EQ(preferences.GetLevel({}, {}), kThisComputerOnly);
 }
 
@@ -183,79 +181,79 @@ TEST_F(PreferencesRegistryTest, NoLevelIsEmpty) {
 
 TEST_F(PreferencesRegistryTest, DeferredWritesReachTheRegistryAtSavePreferences) {
   IPreferences& preferences = ChooseDeferred();
-  EXPECT_TRUE(preferences.WriteInt(L"Category", L"key", 5));
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), std::nullopt);
-  EXPECT_EQ(preferences.ReadInt(L"Category", L"key", 0), 5);
+  EXPECT_TRUE(preferences.WriteInt("Category", "key", 5));
+  EXPECT_EQ(key_.Dword("Category", "key"), std::nullopt);
+  EXPECT_EQ(preferences.ReadInt("Category", "key", 0), 5);
   preferences.SavePreferences();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, DeferredWritesReachTheRegistryAtSynchronize) {
   IPreferences& preferences = ChooseDeferred();
-  preferences.WriteInt(L"Category", L"key", 5);
+  preferences.WriteInt("Category", "key", 5);
   preferences.Synchronize();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, DeferredWritesReachTheRegistryAtDestruction) {
-  ChooseDeferred().WriteInt(L"Category", L"key", 5);
+  ChooseDeferred().WriteInt("Category", "key", 5);
   PreferencesRegistry::Destroy();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, APolicySetBackKeepsDestructionFromFlushing) {
-  ChooseDeferred().WriteInt(L"Category", L"key", 5);
+  ChooseDeferred().WriteInt("Category", "key", 5);
   PreferencesRegistry::SetWriteImmediately(true);
   PreferencesRegistry::Destroy();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), std::nullopt);
+  EXPECT_EQ(key_.Dword("Category", "key"), std::nullopt);
 }
 
 TEST_F(PreferencesRegistryTest, AnExistingInstanceKeepsWritingImmediately) {
   IPreferences& preferences = Choose();
   PreferencesRegistry::SetWriteImmediately(false);
-  preferences.WriteInt(L"Category", L"key", 5);
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+  preferences.WriteInt("Category", "key", 5);
+  EXPECT_EQ(key_.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, AnExistingInstanceFlushesAtDestructionUnderTheDeferredPolicy) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 5);
-  preferences.DeletePreference(L"Category", L"key");
+  preferences.WriteInt("Category", "key", 5);
+  preferences.DeletePreference("Category", "key");
   PreferencesRegistry::SetWriteImmediately(false);
   PreferencesRegistry::Destroy();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, DestructionDoesNotFlushUnderTheImmediatePolicy) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 5);
-  preferences.DeletePreference(L"Category", L"key");
+  preferences.WriteInt("Category", "key", 5);
+  preferences.DeletePreference("Category", "key");
   PreferencesRegistry::Destroy();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), std::nullopt);
+  EXPECT_EQ(key_.Dword("Category", "key"), std::nullopt);
 }
 
 TEST_F(PreferencesRegistryTest, SynchronizeFlushesTheCacheInImmediateModeToo) {
   IPreferences& preferences = Choose();
-  preferences.WriteInt(L"Category", L"key", 5);
-  preferences.DeletePreference(L"Category", L"key");
+  preferences.WriteInt("Category", "key", 5);
+  preferences.DeletePreference("Category", "key");
   preferences.Synchronize();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
+  EXPECT_EQ(key_.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, CachedValuesAreFlushedUnderANewPath) {
-  ChooseDeferred().WriteInt(L"Category", L"key", 5);
-  const RegistryKey other(L"other");
+  ChooseDeferred().WriteInt("Category", "key", 5);
+  const RegistryKey other("other");
   SetPath(other.path());
   Get().SavePreferences();
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), std::nullopt);
-  EXPECT_EQ(other.Dword(L"Category", L"key"), 5U);
+  EXPECT_EQ(key_.Dword("Category", "key"), std::nullopt);
+  EXPECT_EQ(other.Dword("Category", "key"), 5U);
 }
 
 TEST_F(PreferencesRegistryTest, AWriteThatTheRegistryRefusesReportsFalseAndStaysCached) {
   IPreferences& preferences = Choose();
-  const vemora_ustring unusable(L"a\0b", 3);
-  EXPECT_FALSE(preferences.WriteInt(L"Category", unusable, 5));
-  EXPECT_EQ(preferences.ReadInt(L"Category", unusable, 0), 5);
+  const vemora_ustring unusable = testing::Utf8({"a\0b", 3});
+  EXPECT_FALSE(preferences.WriteInt("Category", unusable, 5));
+  EXPECT_EQ(preferences.ReadInt("Category", unusable, 0), 5);
 }
 
 TEST_F(PreferencesRegistryTest, DestroyInRegistryModeKeepsTheInstance) {
@@ -302,7 +300,7 @@ TEST_F(PreferencesRegistryTest, SetSavePrefsFlagDoesNothingInRegistryMode) {
   const auto private_file = folder / "private.json";
   const auto shared_file = folder / "shared.json";
   SetPaths(testing::ToText(private_file), testing::ToText(shared_file), {});
-  Get().WriteInt(L"Category", L"key", 1);
+  Get().WriteInt("Category", "key", 1);
 
   Choose();
   SetSavePrefsFlag(false, true);
@@ -310,16 +308,6 @@ TEST_F(PreferencesRegistryTest, SetSavePrefsFlagDoesNothingInRegistryMode) {
   SetPaths(testing::ToText(private_file), testing::ToText(shared_file), {});
   Destroy();
   EXPECT_TRUE(std::filesystem::exists(private_file));
-}
-
-TEST_F(PreferencesRegistryTest, AHostThatEndsFlushesDeferredWrites) {
-  EXPECT_EQ(testing::RunProgram(L"registry_writer", {key_.path(), L"deferred"}), 0U);
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), 5U);
-}
-
-TEST_F(PreferencesRegistryTest, AHostThatEndsDoesNotFlushAfterImmediateWrites) {
-  EXPECT_EQ(testing::RunProgram(L"registry_writer", {key_.path(), L"immediate"}), 0U);
-  EXPECT_EQ(key_.Dword(L"Category", L"key"), std::nullopt);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Stands in for utils/Registry.cpp: keys and values in memory, the root being left out of account.
 #include "utils/Registry.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
@@ -31,27 +32,27 @@ const std::string* Find(const vemora_ustring& path, const vemora_ustring& catego
   return value == key->second.end() ? nullptr : &value->second;
 }
 
+bool HasZero(const vemora_ustring& name) { return name.find(CodeUnit{0}) != vemora_ustring::npos; }
+
 bool Store(const vemora_ustring& path, const vemora_ustring& category, const vemora_ustring& name,
            const std::string& bytes) {
-  AllKeys()[path];
-  AllKeys()[Join(path, category)][name] = bytes;
+  if (HasZero(path) || HasZero(category) || HasZero(name)) {
+    return false;
+  }
+  const vemora_ustring key = Join(path, category);
+  for (std::size_t end = 0; end != vemora_ustring::npos;) {
+    end = key.find(CodeUnit{'\\'}, end + 1);
+    AllKeys()[key.substr(0, end)];
+  }
+  AllKeys()[key][name] = bytes;
   return true;
 }
 
-template <typename Number>
-Number LoadNumber(const vemora_ustring& path, const vemora_ustring& category,
-                  const vemora_ustring& name, Number defaultValue) {
-  const std::string* bytes = Find(path, category, name);
-  if (bytes != nullptr && bytes->size() == sizeof(Number)) {
-    std::memcpy(&defaultValue, bytes->data(), sizeof(Number));
-  }
-  return defaultValue;
-}
-
-template <typename Number>
-bool StoreNumber(const vemora_ustring& path, const vemora_ustring& category,
-                 const vemora_ustring& name, Number value) {
-  return Store(path, category, name, {reinterpret_cast<const char*>(&value), sizeof(value)});
+bool HasSubkeys(const vemora_ustring& key) {
+  const vemora_ustring beginning = key + vemora_ustring("\\");
+  return std::any_of(AllKeys().begin(), AllKeys().end(), [&beginning](const auto& entry) {
+    return vemora_ustring(entry.first.substr(0, beginning.size())).CompareNoCase(beginning) == 0;
+  });
 }
 
 }  // namespace
@@ -75,7 +76,14 @@ bool Registry::ValueExists(HKEY /*root*/, const vemora_ustring& path,
 
 bool Registry::DeleteKey(HKEY /*root*/, const vemora_ustring& path,
                          const vemora_ustring& category) {
-  return !category.empty() && AllKeys().erase(Join(path, category)) > 0;
+  const vemora_ustring key = Join(path, category);
+  if (category.empty() || AllKeys().count(key) == 0) {
+    return false;
+  }
+  if (!HasSubkeys(key)) {
+    AllKeys().erase(key);
+  }
+  return true;
 }
 
 bool Registry::DeleteValue(HKEY /*root*/, const vemora_ustring& path,
@@ -85,7 +93,11 @@ bool Registry::DeleteValue(HKEY /*root*/, const vemora_ustring& path,
 
 int Registry::LoadInt(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,
                       const vemora_ustring& name, int defaultValue) {
-  return LoadNumber(path, category, name, defaultValue);
+  const std::string* bytes = Find(path, category, name);
+  if (bytes != nullptr && bytes->size() == sizeof(defaultValue)) {
+    std::memcpy(&defaultValue, bytes->data(), sizeof(defaultValue));
+  }
+  return defaultValue;
 }
 
 bool Registry::LoadBool(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
@@ -93,10 +105,10 @@ bool Registry::LoadBool(HKEY root, const vemora_ustring& path, const vemora_ustr
   return LoadInt(root, path, category, name, defaultValue ? 1 : 0) != 0;
 }
 
-double Registry::LoadDouble(HKEY /*root*/, const vemora_ustring& path,
-                            const vemora_ustring& category, const vemora_ustring& name,
-                            double defaultValue) {
-  return LoadNumber(path, category, name, defaultValue);
+double Registry::LoadDouble(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
+                            const vemora_ustring& name, double defaultValue) {
+  const vemora_ustring text = LoadStringW(root, path, category, name, "");
+  return text.empty() ? defaultValue : text.ToDouble();
 }
 
 vemora_ustring Registry::LoadStringW(HKEY /*root*/, const vemora_ustring& path,
@@ -115,7 +127,7 @@ std::string Registry::LoadBinary(HKEY /*root*/, const vemora_ustring& path,
 
 bool Registry::SaveInt(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,
                        const vemora_ustring& name, int value) {
-  return StoreNumber(path, category, name, value);
+  return Store(path, category, name, {reinterpret_cast<const char*>(&value), sizeof(value)});
 }
 
 bool Registry::SaveBool(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
@@ -123,9 +135,9 @@ bool Registry::SaveBool(HKEY root, const vemora_ustring& path, const vemora_ustr
   return SaveInt(root, path, category, name, value ? 1 : 0);
 }
 
-bool Registry::SaveDouble(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,
+bool Registry::SaveDouble(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name, double value) {
-  return StoreNumber(path, category, name, value);
+  return SaveString(root, path, category, name, std::to_string(value).c_str());
 }
 
 bool Registry::SaveString(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -16,8 +17,8 @@ namespace vemora::testing {
 /// below it is removed when the test has ended.
 class RegistryKey {
  public:
-  explicit RegistryKey(const std::wstring& name = L"key")
-      : path_(std::wstring(kRoot) + L'\\' + name) {
+  explicit RegistryKey(const vemora_ustring& name = L"key")
+      : path_(vemora_ustring(kRoot) + L'\\' + name) {
     RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
   }
   RegistryKey(const RegistryKey&) = delete;
@@ -36,42 +37,46 @@ class RegistryKey {
     RegCloseKey(key);
   }
 
-  void SetDword(const wchar_t* category, const wchar_t* name, DWORD value) const {
+  void SetDword(const vemora_ustring& category, const vemora_ustring& name,
+                std::uint32_t value) const {
     Set(category, name, REG_DWORD, &value, sizeof(value));
   }
-  void SetText(const wchar_t* category, const wchar_t* name, const std::wstring& text) const {
+  void SetText(const vemora_ustring& category, const vemora_ustring& name,
+               const vemora_ustring& text) const {
     Set(category, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
   }
 
   /// The stored value, if there is one of that type.
-  std::optional<DWORD> Dword(const wchar_t* category, const wchar_t* name) const {
+  std::optional<std::uint32_t> Dword(const vemora_ustring& category,
+                                     const vemora_ustring& name) const {
     DWORD value = 0;
     DWORD size = sizeof(value);
-    const bool found = RegGetValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name,
+    const bool found = RegGetValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name.c_str(),
                                     RRF_RT_REG_DWORD, nullptr, &value, &size) == ERROR_SUCCESS;
-    return found ? std::optional(value) : std::nullopt;
+    return found ? std::optional<std::uint32_t>(value) : std::nullopt;
   }
-  std::optional<std::wstring> Text(const wchar_t* category, const wchar_t* name) const {
+  std::optional<vemora_ustring> Text(const vemora_ustring& category,
+                                     const vemora_ustring& name) const {
     wchar_t text[256] = {};
     DWORD size = sizeof(text);
-    const bool found = RegGetValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name,
+    const bool found = RegGetValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name.c_str(),
                                     RRF_RT_REG_SZ, nullptr, text, &size) == ERROR_SUCCESS;
-    return found ? std::optional<std::wstring>(text) : std::nullopt;
+    return found ? std::optional<vemora_ustring>(text) : std::nullopt;
   }
 
  private:
   static constexpr wchar_t kRoot[] = LR"(Software\VemoraTests)";
 
-  std::wstring Subkey(const wchar_t* category) const { return path_ + L'\\' + category; }
+  vemora_ustring Subkey(const vemora_ustring& category) const { return path_ + L'\\' + category; }
 
-  void Set(const wchar_t* category, const wchar_t* name, DWORD type, const void* data,
+  void Set(const vemora_ustring& category, const vemora_ustring& name, DWORD type, const void* data,
            std::size_t size) const {
-    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name, type, data,
+    ASSERT_EQ(RegSetKeyValueW(HKEY_CURRENT_USER, Subkey(category).c_str(), name.c_str(), type, data,
                               static_cast<DWORD>(size)),
               ERROR_SUCCESS);
   }
 
-  std::wstring path_;
+  vemora_ustring path_;
 };
 
 }  // namespace vemora::testing
