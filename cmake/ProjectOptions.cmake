@@ -34,3 +34,9 @@ elseif(COMMONPREFERENCES_SANITIZE STREQUAL "trap")
   target_compile_options(project_options INTERFACE
     -fsanitize=undefined -fsanitize-undefined-trap-on-error)
 endif()
+
+option(COMMONPREFERENCES_COVERAGE "Count which lines and branches the tests reach" OFF)
+if(COMMONPREFERENCES_COVERAGE)
+  target_compile_options(project_options INTERFACE --coverage -O0)
+  target_link_options(project_options INTERFACE --coverage)
+endif()
