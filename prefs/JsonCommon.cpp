@@ -4,6 +4,7 @@
 #include <exception>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "prefs/JsonText.h"
 #include "prefs/PreferencesDefaults.h"
@@ -62,7 +63,22 @@ JsonCommon::JsonCommon() = default;
 
 JsonCommon::JsonCommon(const JsonCommon& other) = default;
 
-JsonCommon& JsonCommon::operator=(const JsonCommon& other) = default;
+JsonCommon& JsonCommon::operator=(const JsonCommon& other) {
+  // Copied first, so that running out of memory loses nothing of what is here.
+  LevelMaps new_levels = other.levels;
+  CategoryMap<PrefsData> new_level_data = other.levelData;
+  vemora_ustring new_shared_path = other.sharedPath;
+  vemora_ustring new_private_path = other.privatePath;
+
+  levels = std::move(new_levels);
+  levelData = std::move(new_level_data);
+  dirty = other.dirty;
+  deleteFilesOnExit = other.deleteFilesOnExit;
+  savePrefs = other.savePrefs;
+  sharedPath = std::move(new_shared_path);
+  privatePath = std::move(new_private_path);
+  return *this;
+}
 
 JsonCommon::~JsonCommon() {
   try {
@@ -241,8 +257,9 @@ const vemora_ustring& JsonCommon::GetSharedPath() const { return sharedPath; }
 
 void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
                           const vemora_ustring& newSharedPath) {
-  privatePath = newPrivatePath;
+  vemora_ustring new_private_path = newPrivatePath;
   sharedPath = newSharedPath;
+  privatePath = std::move(new_private_path);
 }
 
 Variant JsonCommon::GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key) {
@@ -277,13 +294,21 @@ bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring&
 }
 
 void JsonCommon::LoadLevelData() {
-  levelData.clear();
-  for (const ShareLevelEntry& entry : MakeShareLevelTable()) {
-    // Preferences of other platforms stay unclassified here and so take the default level.
-    const auto level = static_cast<EShareLevel>(entry.level);
-    if (level <= kWindowsOnly) {
-      LoadLevel(entry.category, entry.key, {level});
+  const std::vector<ShareLevelEntry> table = MakeShareLevelTable();
+  CategoryMap<PrefsData> previous;
+  previous.swap(levelData);
+  try {
+    for (const ShareLevelEntry& entry : table) {
+      // Preferences of other platforms stay unclassified here and so take the default level.
+      const auto level = static_cast<EShareLevel>(entry.level);
+      if (level <= kWindowsOnly) {
+        LoadLevel(entry.category, entry.key, {level});
+      }
     }
+  } catch (...) {
+    // Half a classification would send values to the wrong file.
+    levelData.swap(previous);
+    throw;
   }
 }
 

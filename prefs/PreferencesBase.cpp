@@ -10,7 +10,13 @@ PreferencesBase::PreferencesBase(bool immediately) : writeImmediately(immediatel
 
 PreferencesBase::PreferencesBase(const PreferencesBase& other) = default;
 
-PreferencesBase& PreferencesBase::operator=(const PreferencesBase& other) = default;
+PreferencesBase& PreferencesBase::operator=(const PreferencesBase& other) {
+  // Copied first, so that running out of memory loses nothing of what is here.
+  auto new_cache = other.cache;
+  cache = std::move(new_cache);
+  writeImmediately = other.writeImmediately;
+  return *this;
+}
 
 PreferencesBase::~PreferencesBase() = default;
 

@@ -26,7 +26,8 @@ class Dictionary {
   Dictionary() = default;
   Dictionary(const Dictionary&) = default;
   Dictionary(Dictionary&&) = default;
-  Dictionary& operator=(const Dictionary&) = default;
+  /// Running out of memory leaves the old entries.
+  Dictionary& operator=(const Dictionary& other);
   Dictionary& operator=(Dictionary&&) = default;
   virtual ~Dictionary();
 

@@ -1,0 +1,198 @@
+// Every allocation of every operation fails in turn: what a store, a dictionary or a value held
+// before is still there, or what was asked for is; nothing leaks and nothing is half done.
+
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "failing_allocator.h"
+#include "prefs/JsonCommon.h"
+#include "support.h"
+#include "utils/Dictionary.h"
+#include "utils/Variant.h"
+
+namespace vemora::prefs {
+namespace {
+
+using testing::ScratchFolder;
+using testing::Succeeds;
+using testing::ToText;
+using utils::Dictionary;
+using utils::Variant;
+
+// Longer than what a string keeps inside itself.
+const vemora_ustring kOldText = "an old text that is long enough to be on the heap";
+const vemora_ustring kNewText = "a new text that is long enough to be on the heap";
+const vemora_ustring kOldCategory = "A category of long enough a name";
+const vemora_ustring kNewCategory = "Another category of long enough a name";
+const vemora_ustring kOldKey = "A key of long enough a name";
+const vemora_ustring kNewKey = "Another key of long enough a name";
+
+/// A store with a value and a dictionary, which never writes files by itself.
+class FilledStore : public JsonCommon {
+ public:
+  FilledStore() {
+    SetSavePrefsFlag(false, false);
+    WriteString(kOldCategory, kOldKey, kOldText);
+    Dictionary entries;
+    entries.Set("first", kOldText);
+    WriteDictionary("Dictionary", entries);
+  }
+};
+
+/// All that the tests put into stores, as text.
+std::string Describe(JsonCommon& store) {
+  std::string description;
+  for (const vemora_ustring& category : {kOldCategory, kNewCategory}) {
+    description += store.CategoryExists(category) ? "[+]" : "[-]";
+    for (const vemora_ustring& key : {kOldKey, kNewKey}) {
+      description += store.ReadString(category, key, "none").ToUtf8() + ';';
+    }
+  }
+  description += std::to_string(store.GetLevel("Preferences", "DisplayTabs"));
+  return description;
+}
+
+struct Operation {
+  const char* name;
+  std::function<void(JsonCommon&)> run;
+};
+
+void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.name; }
+
+class OutOfMemory : public ::testing::TestWithParam<Operation> {};
+
+TEST_P(OutOfMemory, LeavesTheOldStateOrTheNew) {
+  FilledStore untouched;
+  const std::string before = Describe(untouched);
+  FilledStore done;
+  GetParam().run(done);
+  const std::string after = Describe(done);
+
+  for (int allocations = 0;; ++allocations) {
+    FilledStore store;
+    const bool success = Succeeds(allocations, [&store] { GetParam().run(store); });
+    const std::string state = Describe(store);
+    if (success) {
+      EXPECT_EQ(state, after);
+      break;
+    }
+    EXPECT_TRUE(state == before || state == after) << allocations << " allocations: " << state;
+  }
+}
+
+const std::vector<Operation> kOperations = {
+    {"WriteOfANewCategory", [](JsonCommon& s) { s.WriteString(kNewCategory, kNewKey, kNewText); }},
+    {"WriteOfANewKey", [](JsonCommon& s) { s.WriteString(kOldCategory, kNewKey, kNewText); }},
+    {"WriteOverAValue", [](JsonCommon& s) { s.WriteString(kOldCategory, kOldKey, kNewText); }},
+    {"WriteOfAnInt", [](JsonCommon& s) { s.WriteInt(kNewCategory, kNewKey, 1); }},
+    {"ReadOfAText", [](JsonCommon& s) { s.ReadString(kOldCategory, kOldKey, kNewText); }},
+    {"ReadOfAnAbsentText", [](JsonCommon& s) { s.ReadString(kOldCategory, kNewKey, kNewText); }},
+    {"DeletePreference", [](JsonCommon& s) { s.DeletePreference(kOldCategory, kOldKey); }},
+    {"DeleteCategory", [](JsonCommon& s) { s.DeleteCategory(kOldCategory); }},
+    {"SetPaths", [](JsonCommon& s) { s.SetPaths(kOldText, kNewText); }},
+    {"LoadWithoutFiles", [](JsonCommon& s) { s.LoadPreferences(); }},
+    {"Assignment",
+     [](JsonCommon& s) {
+       FilledStore other;
+       other.WriteString(kNewCategory, kNewKey, kNewText);
+       s = other;
+     }},
+    {"Copy", [](JsonCommon& s) { const JsonCommon copy(s); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Operations, OutOfMemory, ::testing::ValuesIn(kOperations),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(OutOfMemoryInLoad, KeepsTheClassificationOfAnEarlierLoad) {
+  for (int allocations = 0;; ++allocations) {
+    FilledStore store;
+    store.LoadPreferences();
+    const bool success = Succeeds(allocations, [&store] { store.LoadPreferences(); });
+    ASSERT_EQ(store.GetLevel("Preferences", "DisplayTabs"), kSharedForAllComputers) << allocations;
+    ASSERT_EQ(store.GetLevel("PrintOptions", "FitToPage"), kWindowsOnly) << allocations;
+    if (success) {
+      break;
+    }
+    allocations += 100;  // the table alone takes thousands
+  }
+}
+
+TEST(OutOfMemoryInSave, LeavesTheFilesWhole) {
+  const ScratchFolder folder;
+  const auto private_file = folder / "private.json";
+  const auto shared_file = folder / "shared.json";
+  FilledStore store;
+  store.SetPaths(ToText(private_file), ToText(shared_file));
+  store.SavePreferences();
+  const std::string old_text = testing::ReadBytes(private_file);
+  store.WriteString(kNewCategory, kNewKey, kNewText);
+  for (int allocations = 0; !Succeeds(allocations, [&store] { store.SavePreferences(); });
+       ++allocations) {
+    ASSERT_EQ(testing::ReadBytes(private_file), old_text) << allocations;
+  }
+  EXPECT_NE(testing::ReadBytes(private_file), old_text);
+}
+
+TEST(OutOfMemoryInDictionaries, ReadGivesTheWholeEntryOrNone) {
+  FilledStore store;
+  for (int allocations = 0;; ++allocations) {
+    Dictionary read;
+    const bool success =
+        Succeeds(allocations, [&store, &read] { store.ReadDictionary("Dictionary", read); });
+    if (success) {
+      EXPECT_EQ(read.Find("first")->second.GetString(), kOldText);
+      break;
+    }
+    EXPECT_TRUE(read.Empty());
+  }
+}
+
+TEST(OutOfMemoryInDictionaries, WriteLeavesNoEmptyCategory) {
+  Dictionary entries;
+  entries.Set("second", kNewText);
+  for (int allocations = 0;; ++allocations) {
+    FilledStore store;
+    const bool success =
+        Succeeds(allocations, [&store, &entries] { store.WriteDictionary("Dictionary", entries); });
+    Dictionary read;
+    store.ReadDictionary("Dictionary", read);
+    EXPECT_EQ(store.CategoryExists("Dictionary.dictionary"), !read.Empty()) << allocations;
+    if (success) {
+      EXPECT_EQ(read.Find("second")->second.GetString(), kNewText);
+      break;
+    }
+  }
+}
+
+TEST(OutOfMemoryInDictionaries, AssignmentKeepsTheOldEntries) {
+  Dictionary source;
+  source.Set("a", kNewText);
+  source.Set("b", kNewText);
+  for (int allocations = 0;; ++allocations) {
+    Dictionary target;
+    target.Set("old", kOldText);
+    if (Succeeds(allocations, [&target, &source] { target = source; })) {
+      EXPECT_EQ(target.Size(), 2U);
+      break;
+    }
+    EXPECT_EQ(target.Size(), 1U);
+    EXPECT_NE(target.Find("old"), target.end());
+  }
+}
+
+TEST(OutOfMemoryInVariants, AssignmentKeepsTheOldValue) {
+  const Variant source(Variant::Vector{Variant(kNewText), Variant(1)});
+  for (int allocations = 0;; ++allocations) {
+    Variant target(kOldText);
+    if (Succeeds(allocations, [&target, &source] { target = source; })) {
+      EXPECT_EQ(target.Size(), 2U);
+      break;
+    }
+    EXPECT_EQ(target.GetString(), kOldText);
+  }
+}
+
+}  // namespace
+}  // namespace vemora::prefs
