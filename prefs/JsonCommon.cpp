@@ -241,8 +241,10 @@ const vemora_ustring& JsonCommon::GetSharedPath() const { return sharedPath; }
 
 void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
                           const vemora_ustring& newSharedPath) {
+  // Either argument may be the path that the other replaces.
+  vemora_ustring shared = newSharedPath;
   privatePath = newPrivatePath;
-  sharedPath = newSharedPath;
+  sharedPath = std::move(shared);
 }
 
 Variant JsonCommon::GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key) {
