@@ -8,6 +8,8 @@ add_library(project_options INTERFACE)
 
 if(MSVC)
   target_compile_options(project_options INTERFACE /W4 /permissive- /utf-8)
+  # Standard functions such as mbstowcs, for which it would have its own.
+  target_compile_definitions(project_options INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
   target_compile_options(project_options INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)

@@ -39,8 +39,9 @@ class COMMONPREFERENCES_API IPreferences {
   virtual bool IsLevelEmpty(EShareLevel level) const = 0;
 
   /// Each read returns the stored value, or `defaultValue` when the preference is absent or of
-  /// another type; reads never convert and never store. Each write returns true when the value was
-  /// accepted; when it reaches the disk depends on the back end.
+  /// another type; reads never store a value. What counts as another type is the back end's: the
+  /// JSON one converts nothing. Each write returns true when the value was accepted; when it
+  /// reaches the disk depends on the back end.
   /// @{
   virtual int ReadInt(const vemora_ustring& category, const vemora_ustring& key,
                       int defaultValue) = 0;

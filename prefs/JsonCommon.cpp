@@ -257,6 +257,7 @@ const vemora_ustring& JsonCommon::GetSharedPath() const { return sharedPath; }
 
 void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
                           const vemora_ustring& newSharedPath) {
+  // Copied first: either argument may be the path that the other replaces.
   vemora_ustring new_private_path = newPrivatePath;
   sharedPath = newSharedPath;
   privatePath = std::move(new_private_path);

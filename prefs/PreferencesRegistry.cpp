@@ -66,7 +66,7 @@ void PreferencesRegistry::Synchronize() {
 
 vemora_ustring PreferencesRegistry::GetPath() { return Get().path; }
 
-void PreferencesRegistry::SetPath(const vemora_ustring& path) { Get().path = path; }
+void PreferencesRegistry::SetPath(const vemora_ustring& newPath) { Get().path = newPath; }
 
 bool PreferencesRegistry::PathExists() {
   return Registry::PathExists(Registry::kCurrentUser, Get().path);

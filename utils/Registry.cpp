@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdint>
+#include <cmath>
 #include <initializer_list>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 namespace vemora::utils {
 namespace {
@@ -148,8 +150,9 @@ bool ScanDouble(vemora_ustring text, double& value) {
   }
   double number = 0.0;
   const auto [end, error] = std::from_chars(first, last, number);
-  // "1.#INF00" and its like are how some C runtimes write what is no number.
-  if (error != std::errc() || (end != last && *end == '#')) {
+  // "1.#INF00" and its like are how some C runtimes write what is no number; a word that only
+  // begins with "inf" or "nan" is none either.
+  if (error != std::errc() || (end != last && (*end == '#' || !std::isfinite(number)))) {
     return false;
   }
   value = number;

@@ -102,12 +102,13 @@ vemora_ustring FromWide(const std::wstring& wide) {
 std::wstring ToWide(const vemora_ustring& text) {
   if constexpr (sizeof(wchar_t) == sizeof(CodeUnit)) {
     return {text.begin(), text.end()};
+  } else {
+    std::wstring wide;
+    for (std::size_t index = 0; index < text.size();) {
+      wide.push_back(static_cast<wchar_t>(NextCodePoint(text.data(), text.size(), index)));
+    }
+    return wide;
   }
-  std::wstring wide;
-  for (std::size_t index = 0; index < text.size();) {
-    wide.push_back(static_cast<wchar_t>(NextCodePoint(text.data(), text.size(), index)));
-  }
-  return wide;
 }
 
 /// How a lead byte begins a sequence: its length, the bits it contributes, and the range of the

@@ -494,6 +494,15 @@ TEST(JsonCommonDeletePreference, OfTheLastKeyLeavesTheCategoryToOtherLevels) {
   EXPECT_TRUE(store.CategoryExists("Window"));
 }
 
+TEST(JsonCommonSetPaths, CanSwapThePathsThatItHas) {
+  OpenStore store;
+  store.SetSavePrefsFlag(false, false);
+  store.SetPaths("private.json", "shared.json");
+  store.SetPaths(store.GetSharedPath(), store.GetPrivatePath());
+  EXPECT_EQ(store.GetPrivatePath(), Utf8("shared.json"));
+  EXPECT_EQ(store.GetSharedPath(), Utf8("private.json"));
+}
+
 class JsonCommonDeletePreferences : public StoreTest {};
 
 TEST_F(JsonCommonDeletePreferences, RemovesTheFilesButNotWhatIsInMemory) {
