@@ -194,12 +194,12 @@ bool DeleteFileIfPresent(const vemora_ustring& path) {
 }
 
 bool MoveFileReplacing(const vemora_ustring& from, const vemora_ustring& to) {
-  if (CanNameFile(from) && CanNameFile(to) && IsSameFile(from, to)) {
+  const bool is_file = IsRegularFile(GetAttributes(from));
+  if (is_file && CanNameFile(to) && IsSameFile(from, to)) {
     return true;
   }
   DeleteFileIfPresent(to);
-  return CanNameFile(to) && IsRegularFile(GetAttributes(from)) &&
-         MoveFileW(from.c_str(), to.c_str()) != 0;
+  return is_file && CanNameFile(to) && MoveFileW(from.c_str(), to.c_str()) != 0;
 }
 
 bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to,
