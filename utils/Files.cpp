@@ -253,8 +253,11 @@ vemora_ustring GetTempFolder() {
 }
 
 bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix) {
+  // Longer folders leave no room for the name; not every system looks before it writes.
+  constexpr std::size_t kLongestFolder = MAX_PATH - 14;
   wchar_t name[MAX_PATH] = {};
-  if (!CanNameFile(folder) || GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, name) == 0) {
+  if (!CanNameFile(folder) || folder.size() > kLongestFolder ||
+      GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, name) == 0) {
     return false;
   }
   prefix = NormalizePath(name);
