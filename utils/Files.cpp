@@ -95,8 +95,9 @@ vemora_ustring GetAbsolutePath(const vemora_ustring& path) {
 /// Whether an absolute path is the root of a drive, a volume or a network share.
 bool IsRoot(const vemora_ustring& absolute) {
   const bool network = absolute.compare(0, 2, LR"(\\)") == 0;
+  const vemora_ustring device(absolute.substr(0, 8));
   const bool device_network =
-      vemora_ustring(absolute.substr(0, 8)).CompareNoCase(LR"(\\?\UNC\)") == 0;
+      device.CompareNoCase(LR"(\\?\UNC\)") == 0 || device.CompareNoCase(LR"(\\.\UNC\)") == 0;
   // \\?\UNC\server\share, \\server\share or \\?\C:, and C:
   const int root_components = device_network ? 4 : network ? 2 : 1;
 
@@ -106,6 +107,17 @@ bool IsRoot(const vemora_ustring& absolute) {
     components += begins ? 1 : 0;
   }
   return components <= root_components;
+}
+
+/// The absolute path, without a trailing separator, of what may be removed with all its contents;
+/// empty for a root and for what names nothing.
+vemora_ustring GetRemovablePath(const vemora_ustring& path) {
+  vemora_ustring absolute = GetAbsolutePath(path);
+  // Behind a link, a separator would mean what the link leads to.
+  absolute.erase(absolute.find_last_not_of(L'\\') + 1);
+  // "C:" alone would mean the current folder of that drive.
+  const bool drive = path.size() == 2 && path[1] == L':';
+  return drive || IsRoot(absolute) ? vemora_ustring() : absolute;
 }
 
 bool RemoveFile(const vemora_ustring& path) {
@@ -194,12 +206,12 @@ bool DeleteFileIfPresent(const vemora_ustring& path) {
 }
 
 bool MoveFileReplacing(const vemora_ustring& from, const vemora_ustring& to) {
-  if (CanNameFile(from) && CanNameFile(to) && IsSameFile(from, to)) {
+  const bool is_file = IsRegularFile(GetAttributes(from));
+  if (is_file && CanNameFile(to) && IsSameFile(from, to)) {
     return true;
   }
   DeleteFileIfPresent(to);
-  return CanNameFile(to) && IsRegularFile(GetAttributes(from)) &&
-         MoveFileW(from.c_str(), to.c_str()) != 0;
+  return is_file && CanNameFile(to) && MoveFileW(from.c_str(), to.c_str()) != 0;
 }
 
 bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to,
@@ -253,8 +265,11 @@ vemora_ustring GetTempFolder() {
 }
 
 bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix) {
+  // Longer folders leave no room for the name; not every system looks before it writes.
+  constexpr std::size_t kLongestFolder = MAX_PATH - 14;
   wchar_t name[MAX_PATH] = {};
-  if (!CanNameFile(folder) || GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, name) == 0) {
+  if (!CanNameFile(folder) || folder.size() > kLongestFolder ||
+      GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, name) == 0) {
     return false;
   }
   prefix = NormalizePath(name);
@@ -262,9 +277,10 @@ bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix) {
 }
 
 int DeleteToRecycleBin(const vemora_ustring& path) {
-  // The shell deletes for good what is not absolute, and takes a list that ends with two zeros.
-  vemora_ustring list = GetAbsolutePath(path);
-  if (list.empty() || path.find_first_of(L"*?") != vemora_ustring::npos) {
+  // The shell deletes for good what is not absolute, and takes a list that ends with two zeros. The
+  // file system takes three more characters than the shell for wildcards.
+  vemora_ustring list = GetRemovablePath(path);
+  if (list.empty() || path.find_first_of(L"*?<>\"") != vemora_ustring::npos) {
     return ERROR_INVALID_NAME;
   }
   list.push_back(L'\0');
@@ -287,26 +303,23 @@ std::vector<DriveInfo> ListDrives() {
 }
 
 bool RemoveFolder(const vemora_ustring& path) {
-  const DWORD attributes = GetAttributes(path);
-  const vemora_ustring absolute = GetAbsolutePath(path);
-  // "C:" alone would mean the current folder of that drive.
-  const bool drive = path.size() == 2 && path[1] == L':';
-  if (absolute.empty() || drive || IsRoot(absolute) || attributes == INVALID_FILE_ATTRIBUTES ||
-      (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+  const vemora_ustring folder = GetRemovablePath(path);
+  const DWORD attributes = GetAttributes(folder);
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
     return false;
   }
   if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
-    return RemoveEmptyFolder(absolute);
+    return RemoveEmptyFolder(folder);
   }
   // Parents come before their subfolders, which are removed first.
-  std::vector<vemora_ustring> folders = {absolute};
+  std::vector<vemora_ustring> folders = {folder};
   for (std::size_t index = 0; index < folders.size(); ++index) {
-    const vemora_ustring folder = folders[index];
-    RemoveFilesOf(folder, folders);
+    const vemora_ustring parent = folders[index];
+    RemoveFilesOf(parent, folders);
   }
   bool removed = false;
   std::for_each(folders.rbegin(), folders.rend(),
-                [&removed](const vemora_ustring& folder) { removed = RemoveEmptyFolder(folder); });
+                [&removed](const vemora_ustring& each) { removed = RemoveEmptyFolder(each); });
   return removed;
 }
 

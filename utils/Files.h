@@ -47,11 +47,11 @@ std::int64_t GetFileTime(const vemora_ustring& path);
 vemora_ustring GetTempFolder();
 
 /// Makes an empty file with a new name in `folder`. `prefix`, of which three characters count,
-/// receives its path; it is unchanged on failure.
+/// receives its path; it is unchanged on failure, as for a folder of more than 246 characters.
 bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix);
 
 /// Moves a file or folder to the recycle bin without asking.
-/// @return 0, or an error code; empty paths and paths with wildcards are refused
+/// @return 0, or an error code; empty paths, roots and paths with wildcards are refused
 int DeleteToRecycleBin(const vemora_ustring& path);
 
 /// A logical drive: its root, such as "C:\", and the value of `GetDriveTypeW`.
