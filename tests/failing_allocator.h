@@ -1,6 +1,6 @@
 /// @file
-/// Makes a chosen allocation of a test program fail. The program has failing_allocator.cpp among its
-/// sources, which replaces `operator new`.
+/// Makes a chosen allocation of a test program fail. The program has failing_allocator.cpp among
+/// its sources, which replaces `operator new`.
 #pragma once
 
 #include <functional>

@@ -22,16 +22,23 @@ struct KeyCloser {
 };
 using UniqueKey = std::unique_ptr<HKEY__, KeyCloser>;
 
-/// The system would read a name up to its first zero, and so might act on another key.
+/// The longest text that the system's counted strings hold.
+constexpr std::size_t kMaxNameLength = 32766;
+
+/// The system would read a name up to its first zero or up to the longest length it can count, and
+/// so might act on another key.
 bool AreUsable(std::initializer_list<const vemora_ustring*> names) {
   return std::all_of(names.begin(), names.end(), [](const vemora_ustring* name) {
-    return name->find(L'\0') == vemora_ustring::npos;
+    return name->size() <= kMaxNameLength && name->find(L'\0') == vemora_ustring::npos;
   });
 }
 
+/// `RegOpenKeyW` would do, but for an empty subkey it returns the caller's key, which would then be
+/// closed here.
 UniqueKey OpenKey(HKEY root, const vemora_ustring& subkey) {
   HKEY key = nullptr;
-  return UniqueKey(RegOpenKeyW(root, subkey.c_str(), &key) == ERROR_SUCCESS ? key : nullptr);
+  const LSTATUS status = RegOpenKeyExW(root, subkey.c_str(), 0, MAXIMUM_ALLOWED, &key);
+  return UniqueKey(status == ERROR_SUCCESS ? key : nullptr);
 }
 
 UniqueKey CreateKey(HKEY root, const vemora_ustring& subkey, REGSAM access) {
@@ -59,11 +66,9 @@ UniqueKey OpenForWriting(HKEY root, const vemora_ustring& path, const vemora_ust
 }
 
 UniqueKey OpenExisting(HKEY root, const vemora_ustring& path, const vemora_ustring& category) {
-  if (!AreUsable({&path, &category})) {
-    return nullptr;
-  }
   const bool both = !path.empty() && !category.empty();
-  return OpenKey(root, both ? path + L'\\' + category : path + category);
+  const vemora_ustring subkey = both ? path + L'\\' + category : path + category;
+  return AreUsable({&subkey}) ? OpenKey(root, subkey) : nullptr;
 }
 
 bool HasValue(HKEY key, const vemora_ustring& name) {
