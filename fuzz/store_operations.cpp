@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cwctype>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -95,22 +96,18 @@ const std::vector<ShareLevelEntry>& ClassifiedPreferences() {
 std::optional<std::size_t> ClassifiedLevel(const vemora_ustring& category,
                                            const vemora_ustring& key) {
   using Key = std::pair<std::basic_string<CodeUnit>, std::basic_string<CodeUnit>>;
-  static const std::vector<Key> names = [] {
-    std::vector<Key> folded;
+  static const std::map<Key, std::size_t> levels = [] {
+    std::map<Key, std::size_t> classified;
     for (const ShareLevelEntry& entry : ClassifiedPreferences()) {
-      folded.emplace_back(Fold(entry.category), Fold(entry.key));
+      const auto level = static_cast<std::size_t>(entry.level);
+      if (level <= vemora::prefs::kWindowsOnly) {
+        classified[{Fold(entry.category), Fold(entry.key)}] = level;
+      }
     }
-    return folded;
+    return classified;
   }();
-  const Key name = {Fold(category), Fold(key)};
-  std::optional<std::size_t> level;
-  for (std::size_t index = 0; index < names.size(); ++index) {
-    const auto entry_level = static_cast<std::size_t>(ClassifiedPreferences()[index].level);
-    if (names[index] == name && entry_level <= vemora::prefs::kWindowsOnly) {
-      level = entry_level;
-    }
-  }
-  return level;
+  const auto found = levels.find({Fold(category), Fold(key)});
+  return found != levels.end() ? std::optional(found->second) : std::nullopt;
 }
 
 /// What a store should hold and do.
@@ -554,7 +551,7 @@ class Machine {
 
   /// Seldom, for the classification takes longer than all the rest.
   void LoadAll() {
-    if (input_.TakeBelow(8) == 0) {
+    if (input_.TakeBelow(32) == 0) {
       store().LoadPreferences();
       model().Classify();
       model().LoadShared(disk_);
