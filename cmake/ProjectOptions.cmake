@@ -2,7 +2,7 @@
 # Nothing of this reaches a host.
 
 set(COMMONPREFERENCES_SANITIZE "" CACHE STRING
-  "Empty, or 'full' (address and undefined behaviour) or 'trap' (undefined behaviour stops the program)")
+  "Empty, 'full' (address and undefined behaviour), 'fuzz' (the same for libFuzzer) or 'trap' (undefined behaviour stops the program)")
 
 add_library(project_options INTERFACE)
 
@@ -28,10 +28,15 @@ endif()
 target_compile_definitions(project_options INTERFACE
   $<$<AND:$<CONFIG:Debug>,$<NOT:$<BOOL:${MSVC}>>>:_GLIBCXX_ASSERTIONS>)
 
-if(COMMONPREFERENCES_SANITIZE STREQUAL "full")
+if(COMMONPREFERENCES_SANITIZE MATCHES "^(full|fuzz)$")
   set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(project_options INTERFACE ${sanitizer_flags} -O1)
   target_link_options(project_options INTERFACE ${sanitizer_flags})
+  if(COMMONPREFERENCES_SANITIZE STREQUAL "fuzz")
+    target_compile_options(project_options INTERFACE
+      -fsanitize=fuzzer-no-link
+      -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/sanitizer-ignore.txt)
+  endif()
 elseif(COMMONPREFERENCES_SANITIZE STREQUAL "trap")
   target_compile_options(project_options INTERFACE
     -fsanitize=undefined -fsanitize-undefined-trap-on-error)
