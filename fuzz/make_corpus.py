@@ -94,6 +94,9 @@ def store_operations():
     write = [0, 0, 1, 0, 5, 0, 5, 0, 0, 0]
     yield bytes(itertools.chain.from_iterable(
         write + [0, operation, 1, 0, 0, 1, 1] for operation in range(18)))
+    # The first store, load with the classification; then it reads every classified preference.
+    yield bytes([0, 11, 0]) + b"".join(
+        bytes([0, 2, 0]) + struct.pack("<H", row) + bytes([row % 2]) for row in range(600))
     yield from noise("store_operations")
 
 
