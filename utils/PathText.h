@@ -13,7 +13,7 @@ namespace vemora::utils {
 ///     NormalizePath(LR"(C:\a\\b\)");  // C:/a/b
 vemora_ustring NormalizePath(const vemora_ustring& path);
 
-/// Both parts with one "/" between them, normalised; `second` as it is when `first` is empty.
+/// Both parts with one "/" between them, normalised; `second` alone when `first` is empty.
 vemora_ustring JoinPath(const vemora_ustring& first, const vemora_ustring& second);
 
 /// The drive and folder of a path, normalised; empty for a bare name.
