@@ -157,7 +157,8 @@ bool ScanDouble(vemora_ustring text, double& value) {
   const auto [end, error] = std::from_chars(first, last, number);
   // "1.#INF00" and its like are how some C runtimes write what is no number; a word that only
   // begins with "inf" or "nan" is none either.
-  if (error != std::errc() || (end != last && (*end == '#' || !std::isfinite(number)))) {
+  if (error != std::errc() ||
+      (end != last && ((*end == '#' && end[-1] == '.') || !std::isfinite(number)))) {
     return false;
   }
   value = number;

@@ -15,8 +15,8 @@
 #include <thread>
 #include <utility>
 
-#include "support.h"
 #include "utils/Locations.h"
+#include "utils/windows_support.h"
 
 namespace {
 
@@ -33,21 +33,20 @@ void* operator new[](std::size_t size) {
 namespace vemora::utils {
 namespace {
 
-using ::testing::ElementsAre;
+using testing::CurrentFolder;
+using testing::Exists;
+using testing::FilesTest;
+using testing::kNonAscii;
+using testing::MakeReadOnly;
+using testing::NextHandle;
+using testing::Path;
 using testing::ReadBytes;
-using testing::ScratchFolder;
 using ::testing::StartsWith;
 using testing::ToText;
+using testing::UniqueHandle;
 using testing::WriteBytes;
-using Path = std::filesystem::path;
 
 constexpr std::int64_t kFourGiB = std::int64_t{1} << 32;
-const vemora_ustring kNonAscii = L"\u00C4\u6F22\U0001F600 x";
-
-struct HandleCloser {
-  void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using UniqueHandle = std::unique_ptr<void, HandleCloser>;
 
 /// Opens an existing file for reading and writing; with no sharing nobody else can use it.
 UniqueHandle OpenFile(const Path& path, DWORD sharing) {
@@ -57,16 +56,8 @@ UniqueHandle OpenFile(const Path& path, DWORD sharing) {
   return UniqueHandle(file);
 }
 
-bool Exists(const Path& path) {
-  return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
 bool IsReadOnly(const Path& path) {
   return (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_READONLY) != 0;
-}
-
-void MakeReadOnly(const Path& path) {
-  ASSERT_TRUE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY)) << path;
 }
 
 /// A file of that size, of which nothing is stored.
@@ -170,45 +161,6 @@ class WineRoot {
  private:
   Path file_;
   std::wstring folder_;
-};
-
-/// Goes back to where the process was when the scope ends.
-class CurrentFolder {
- public:
-  explicit CurrentFolder(const Path& folder) : before_(std::filesystem::current_path()) {
-    std::filesystem::current_path(folder);
-  }
-  CurrentFolder(const CurrentFolder&) = delete;
-  CurrentFolder& operator=(const CurrentFolder&) = delete;
-  ~CurrentFolder() { std::filesystem::current_path(before_); }
-
- private:
-  Path before_;
-};
-
-/// A folder of its own for each test, and a look at what no helper may change.
-class FilesTest : public ::testing::Test {
- protected:
-  void TearDown() override {
-    EXPECT_EQ(std::filesystem::current_path(), start_);
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.path())) {
-      SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);  // can be removed then
-    }
-  }
-
-  /// Makes a file with those bytes; returns its path.
-  vemora_ustring Make(const Path& name, std::string_view bytes = "bytes") const {
-    WriteBytes(folder_ / name, bytes);
-    return In(name);
-  }
-  vemora_ustring MakeFolder(const Path& name) const {
-    std::filesystem::create_directories(folder_ / name);
-    return In(name);
-  }
-  vemora_ustring In(const Path& name) const { return ToText(folder_ / name); }
-
-  const Path start_ = std::filesystem::current_path();
-  const ScratchFolder folder_;
 };
 
 using ReadWholeFileTest = FilesTest;
@@ -1278,12 +1230,6 @@ struct Helper {
 void PrintTo(const Helper& helper, std::ostream* out) { *out << helper.name; }
 
 class EachHelper : public FilesTest, public ::testing::WithParamInterface<Helper> {};
-
-/// The value that the next handle of this process has; the lowest free one is given out.
-std::uintptr_t NextHandle() {
-  const UniqueHandle handle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-  return reinterpret_cast<std::uintptr_t>(handle.get());
-}
 
 TEST_P(EachHelper, LeavesNoHandlesBehind) {
   Make("file");

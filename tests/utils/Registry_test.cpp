@@ -534,6 +534,7 @@ constexpr DoubleText kScans[] = {
     {kDefault, L"1e400"},
     {kDefault, L"-1e400"},
     // What follows the number does not count.
+    {12.0, L"12#5"},
     {12.0, L"12"},
     {12.0, L"12abc"},
     {12.0, L"12 13"},
