@@ -21,8 +21,38 @@
 namespace {
 
 std::size_t largest_array = 0;
+int searches_begun = 0;
+int searches_closed = 0;
+
+template <typename Function>
+Function SystemFunction(const char* name) {
+  return reinterpret_cast<Function>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+}
+
+HANDLE WINAPI CountFindFirst(LPCWSTR pattern, LPWIN32_FIND_DATAW entry) {
+  static const auto function = SystemFunction<decltype(&CountFindFirst)>("FindFirstFileW");
+  const HANDLE search = function(pattern, entry);
+  searches_begun += search == INVALID_HANDLE_VALUE ? 0 : 1;
+  return search;
+}
+
+BOOL WINAPI CountFindClose(HANDLE search) {
+  static const auto function = SystemFunction<decltype(&CountFindClose)>("FindClose");
+  ++searches_closed;
+  return function(search);
+}
 
 }  // namespace
+
+// The library calls the system through these pointers, and the linker takes them before those of
+// the import library. A search is no handle of the process that could be counted otherwise.
+extern "C" {
+extern HANDLE(WINAPI* __imp_FindFirstFileW)(LPCWSTR, LPWIN32_FIND_DATAW);
+extern BOOL(WINAPI* __imp_FindClose)(HANDLE);
+HANDLE(WINAPI* __imp_FindFirstFileW)(LPCWSTR, LPWIN32_FIND_DATAW) = CountFindFirst;
+BOOL(WINAPI* __imp_FindClose)(HANDLE) = CountFindClose;
+}
 
 // Notes how much a call asks for at once; what is freed goes through the usual operators.
 void* operator new[](std::size_t size) {
@@ -1103,6 +1133,18 @@ TEST_F(RemoveFolderTest, FailsWhenAFileIsLockedAndRemovesTheOthers) {
   EXPECT_FALSE(RemoveFolder(path));
   EXPECT_TRUE(Exists(folder_ / "folder/locked"));
   EXPECT_FALSE(Exists(folder_ / "folder/other"));
+}
+
+TEST_F(RemoveFolderTest, ClosesEachSearch) {
+  MakeFolder("gone/a/b");
+  MakeFolder("kept/a");
+  Make("kept/a/locked");
+  const UniqueHandle lock = OpenFile(folder_ / "kept/a/locked", 0);
+  searches_begun = searches_closed = 0;
+  EXPECT_TRUE(RemoveFolder(In("gone")));
+  EXPECT_FALSE(RemoveFolder(In("kept")));
+  EXPECT_EQ(searches_begun, 5);
+  EXPECT_EQ(searches_closed, 5);
 }
 
 TEST_F(RemoveFolderTest, RefusesAnEmptyPath) {
