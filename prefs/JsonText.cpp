@@ -141,7 +141,8 @@ void UnescapeLoneSurrogates(char* text, std::size_t size) {
     const unsigned unit = EscapedUnit(input.substr(index));
     const bool high = IsHighSurrogate(unit);
     if (high && IsLowSurrogate(EscapedUnit(input.substr(index + 6)))) {
-      out = std::copy_n(&input[index], 12, out);
+      std::memmove(out, &input[index], 12);
+      out += 12;
       index += 12;
     } else if (high || IsLowSurrogate(unit)) {
       *out++ = static_cast<char>(0xE0 | (unit >> 12));
