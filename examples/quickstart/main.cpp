@@ -19,37 +19,35 @@ namespace {
 
 constexpr wchar_t kPlugin[] = L"My Plugin";
 
-void WriteAndReadEveryType() {
+// A preference that the library does not know takes the default share level, which a guard changes
+// for a while.
+void WriteAndReadEveryType(prefs::EShareLevel level) {
+  const prefs::ShareLevelOverride guard(level);
   prefs::IPreferences& preferences = prefs::Get();
-  preferences.WriteInt(L"Preferences", L"AutoSaveFreq", 10);
-  preferences.WriteBool(L"Preferences", L"AutoSave", true);
+  preferences.WriteInt(kPlugin, L"Runs", 10);
+  preferences.WriteBool(kPlugin, L"Enabled", true);
   preferences.WriteDouble(kPlugin, L"Scale", 2.5);
   preferences.WriteString(kPlugin, L"Title", L"Entw\u00FCrfe");
 
-  std::cout << std::boolalpha
-            << "AutoSaveFreq: " << preferences.ReadInt(L"Preferences", L"AutoSaveFreq", 0) << '\n'
-            << "AutoSave:     " << preferences.ReadBool(L"Preferences", L"AutoSave", false) << '\n'
-            << "Scale:        " << preferences.ReadDouble(kPlugin, L"Scale", 1.0) << '\n'
-            << "Title:        " << preferences.ReadString(kPlugin, L"Title", L"").ToUtf8() << '\n'
-            << "absent:       " << preferences.ReadInt(kPlugin, L"Absent", -1) << '\n';
+  std::cout << std::boolalpha << prefs::kShareLevelNames[level].ToUtf8() << ": Runs "
+            << preferences.ReadInt(kPlugin, L"Runs", 0) << ", Enabled "
+            << preferences.ReadBool(kPlugin, L"Enabled", false) << ", Scale "
+            << preferences.ReadDouble(kPlugin, L"Scale", 1.0) << ", Title "
+            << preferences.ReadString(kPlugin, L"Title", L"").ToUtf8() << ", absent "
+            << preferences.ReadInt(kPlugin, L"Absent", -1) << '\n';
 }
 
-// A preference that the library knows has its level from a table; others take the default level,
-// which a guard changes for a while.
-void ShowShareLevels() {
+// Those that it knows have their level from a table.
+void ShowKnownLevels() {
   prefs::IPreferences& preferences = prefs::Get();
-  preferences.WriteInt(L"PrintOptions", L"NumberOfPages", 2);
-  const prefs::ShareLevelOverride guard(prefs::kSharedForAllComputers);
-  preferences.WriteInt(kPlugin, L"Runs", 1);
-
   const auto show = [&preferences](const vemora_ustring& category, const vemora_ustring& key) {
     const prefs::EShareLevel level = preferences.GetLevel(category, key);
     std::cout << category.ToUtf8() << " / " << key.ToUtf8() << ": "
               << prefs::kShareLevelNames[level].ToUtf8() << '\n';
   };
+  show(L"Preferences", L"BrowserHome");
   show(L"Preferences", L"AutoSaveFreq");
   show(L"PrintOptions", L"NumberOfPages");
-  show(L"Preferences", L"BrowserHome");
 }
 
 void ShowOverwriteProtection() {
@@ -98,8 +96,10 @@ int main(int argc, char** argv) {
   const std::filesystem::path shared_file = folder / "shared.json";
 
   prefs::SetPaths(private_file.wstring(), shared_file.wstring(), {});
-  WriteAndReadEveryType();
-  ShowShareLevels();
+  WriteAndReadEveryType(prefs::kThisComputerOnly);
+  WriteAndReadEveryType(prefs::kSharedForAllComputers);
+  WriteAndReadEveryType(prefs::kWindowsOnly);
+  ShowKnownLevels();
   ShowOverwriteProtection();
   WriteAndReadDictionary();
   prefs::Get().SavePreferences();
