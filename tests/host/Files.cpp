@@ -1,6 +1,7 @@
 // Stands in for the part of utils/Files.cpp that the JSON store uses.
 #include "utils/Files.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -29,9 +30,13 @@ std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* s
 }
 
 bool WriteWholeFile(const char* data, std::size_t length, const vemora_ustring& path) {
-  std::ofstream file(NativePath(path), std::ios::binary | std::ios::trunc);
-  file.write(data, static_cast<std::streamsize>(length));
-  return file.flush().good();
+  // A C stream: once the file is emptied, nothing may run out of memory.
+  std::FILE* const file = std::fopen(path.ToUtf8().c_str(), "wb");
+  if (file == nullptr) {
+    return false;
+  }
+  const bool written = std::fwrite(data, 1, length, file) == length;
+  return std::fclose(file) == 0 && written;
 }
 
 bool DeleteFileIfPresent(const vemora_ustring& path) {
