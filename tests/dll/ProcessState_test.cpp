@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "handle_count.h"
+#include "locale_support.h"
 #include "prefs/JsonCommon.h"
 #include "prefs/Preferences.h"
 #include "support.h"
@@ -14,43 +16,8 @@
 namespace vemora::testing {
 namespace {
 
-// One entry of the system's table of open handles.
-struct HandleEntry {
-  void* object;
-  ULONG_PTR process;
-  ULONG_PTR handle;
-  ULONG access;
-  USHORT trace;
-  USHORT type;
-  ULONG attributes;
-  ULONG reserved;
-};
-
-// How many handles this process has open. GetProcessHandleCount says 0 under Wine.
-std::size_t CountHandles() {
-  constexpr ULONG kExtendedHandleInformation = 64;
-  using Query = LONG(NTAPI*)(ULONG, void*, ULONG, ULONG*);
-  const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-  std::vector<ULONG_PTR> table(1U << 20U);
-  ULONG size = 0;
-  if (query(kExtendedHandleInformation, table.data(),
-            static_cast<ULONG>(table.size() * sizeof(ULONG_PTR)), &size) < 0) {
-    ADD_FAILURE() << "the system does not list its handles";
-    return 0;
-  }
-  // The number of entries and a reserved word come first.
-  const auto* entries = reinterpret_cast<const HandleEntry*>(table.data() + 2);
-  return static_cast<std::size_t>(std::count_if(
-      entries, entries + table[0],
-      [](const HandleEntry& entry) { return entry.process == GetCurrentProcessId(); }));
-}
-
 class ProcessState : public ::testing::Test {
  protected:
-  ProcessState() : locale_(std::setlocale(LC_ALL, nullptr)) {}
-  ~ProcessState() override { std::setlocale(LC_ALL, locale_.c_str()); }
-
   // The whole life of a store, with files that are there, missing and malformed.
   void UseLibrary() {
     prefs::SetPaths(Path("private.json"), Path("shared.json"), {});
@@ -88,7 +55,7 @@ class ProcessState : public ::testing::Test {
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");
   }
 
-  const std::string locale_;
+  const ScopedLocale locale_;
   const ScratchFolder folder_;
 };
 

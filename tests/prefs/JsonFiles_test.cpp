@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "locale_support.h"
 #include "prefs/JsonCommon.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/store_support.h"
@@ -814,31 +815,19 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Locale
 
-/// Changes the C locale for one test.
-class LocaleScope {
- public:
-  LocaleScope() : saved_(std::setlocale(LC_ALL, nullptr)) {}
-  LocaleScope(const LocaleScope&) = delete;
-  LocaleScope& operator=(const LocaleScope&) = delete;
-  ~LocaleScope() { std::setlocale(LC_ALL, saved_.c_str()); }
-
-  /// False when the system has no locale beside "C".
-  static bool ChangeToAnother() {
-    for (const char* const name : {"de_DE.UTF-8", "German_Germany.1252", "C.UTF-8"}) {
-      if (std::setlocale(LC_ALL, name) != nullptr) {
-        return true;
-      }
+/// Changes the C locale; false when the system has none beside "C".
+bool ChangeToAnotherLocale() {
+  for (const char* const name : {"de_DE.UTF-8", "German_Germany.1252", "C.UTF-8"}) {
+    if (std::setlocale(LC_ALL, name) != nullptr) {
+      return true;
     }
-    return false;
   }
-
- private:
-  std::string saved_;
-};
+  return false;
+}
 
 class JsonFilesLocale : public StoreTest {
  protected:
-  const LocaleScope locale;
+  const testing::ScopedLocale locale;
   const vemora_ustring lower = Utf8("\xC3\xA9");
   const vemora_ustring upper = Utf8("\xC3\x89");
 };
@@ -847,7 +836,7 @@ TEST_F(JsonFilesLocale, DoesNotShowInTheBytes) {
   store.WriteString(Utf8("\xE2\x82\xAC"), lower, Utf8("\xF0\x9F\x98\x80"));
   store.WriteDouble("C", "key", 1234567.5);
   const std::string saved = SavePrivate();
-  if (!LocaleScope::ChangeToAnother()) GTEST_SKIP() << "there is no other locale here";
+  if (!ChangeToAnotherLocale()) GTEST_SKIP() << "there is no other locale here";
   EXPECT_EQ(SavePrivate(), saved);
   store.LoadPrivatePreferences();
   EXPECT_EQ(store.ReadDouble("C", "key", 0), 1234567.5);
@@ -859,7 +848,7 @@ TEST_F(JsonFilesLocale, ThatChangesUnderTheStoreLosesNothingFromTheFiles) {
   store.WriteInt("C", lower, 1);
   store.WriteInt("C", upper, 2);
   const std::string saved = SavePrivate();
-  if (!LocaleScope::ChangeToAnother()) GTEST_SKIP() << "there is no other locale here";
+  if (!ChangeToAnotherLocale()) GTEST_SKIP() << "there is no other locale here";
   store.ReadInt("C", lower, 0);
   EXPECT_EQ(SavePrivate(), saved);
   EXPECT_THAT(saved, ::testing::AllOf(::testing::HasSubstr("\"\xC3\xA9\": 1"),
@@ -867,7 +856,7 @@ TEST_F(JsonFilesLocale, ThatChangesUnderTheStoreLosesNothingFromTheFiles) {
 }
 
 TEST_F(JsonFilesLocale, IsNotChangedByTheStore) {
-  if (!LocaleScope::ChangeToAnother()) GTEST_SKIP() << "there is no other locale here";
+  if (!ChangeToAnotherLocale()) GTEST_SKIP() << "there is no other locale here";
   const std::string before = std::setlocale(LC_ALL, nullptr);
   store.WriteString("C", lower, upper);
   store.SavePreferences();

@@ -1,7 +1,6 @@
 #include "utils/Registry.h"
 
 #include <windows.h>
-#include <winternl.h>
 
 #include <algorithm>
 #include <atomic>
@@ -20,6 +19,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "handle_count.h"
+#include "locale_support.h"
 #include "support.h"
 
 namespace vemora::utils {
@@ -124,24 +125,10 @@ std::vector<vemora_ustring> SubkeysOf(const vemora_ustring& key_path) {
   }
 }
 
-/// Another C locale for one test.
-class LocaleScope {
- public:
-  explicit LocaleScope(const char* name) : earlier_(std::setlocale(LC_ALL, nullptr)) {
-    EXPECT_NE(std::setlocale(LC_ALL, name), nullptr);
-  }
-  LocaleScope(const LocaleScope&) = delete;
-  LocaleScope& operator=(const LocaleScope&) = delete;
-  ~LocaleScope() { std::setlocale(LC_ALL, earlier_.c_str()); }
-
- private:
-  std::string earlier_;
-};
-
 /// A locale whose decimal point is a comma.
-class CommaLocale : public LocaleScope {
+class CommaLocale : public testing::ScopedLocale {
  public:
-  CommaLocale() : LocaleScope("German_Germany.1252") {
+  CommaLocale() : ScopedLocale("German_Germany.1252") {
     EXPECT_STREQ(std::localeconv()->decimal_point, ",");
   }
 };
@@ -1116,55 +1103,17 @@ TEST_F(RegistryKeys, OfTheCallerStayOpen) {
   EXPECT_TRUE(is_open()) << "DeleteKey";
 }
 
-/// The number of handles that this process has open. `GetProcessHandleCount` counts none in some
-/// systems that run Windows programs.
-std::size_t CountHandles() {
-  struct Entry {
-    void* object;
-    ULONG_PTR process;
-    ULONG_PTR handle;
-    ULONG access;
-    USHORT trace;
-    USHORT type;
-    ULONG attributes;
-    ULONG reserved;
-  };
-  struct Header {
-    ULONG_PTR count;
-    ULONG_PTR reserved;
-  };
-  using Query = NTSTATUS(NTAPI*)(ULONG, void*, ULONG, ULONG*);
-  constexpr ULONG kExtendedHandles = 64;
-  constexpr NTSTATUS kTooShort = static_cast<NTSTATUS>(0xC0000004);
-  const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-  std::vector<ULONG_PTR> buffer(1 << 14);
-  ULONG needed = 0;
-  NTSTATUS status = kTooShort;
-  while ((status = query(kExtendedHandles, buffer.data(),
-                         static_cast<ULONG>(buffer.size() * sizeof(buffer[0])), &needed)) ==
-         kTooShort) {
-    buffer.resize(buffer.size() * 2);
-  }
-  EXPECT_GE(status, 0);
-  const auto* header = reinterpret_cast<const Header*>(buffer.data());
-  const auto* entries = reinterpret_cast<const Entry*>(header + 1);
-  return static_cast<std::size_t>(
-      std::count_if(entries, entries + header->count,
-                    [](const Entry& entry) { return entry.process == GetCurrentProcessId(); }));
-}
-
 TEST_F(RegistryKeys, LeftOpenWouldBeCounted) {
   CreateRaw(path);
-  const std::size_t before = CountHandles();
+  const std::size_t before = testing::CountHandles();
   const UniqueKey key = OpenRaw(path);
-  EXPECT_EQ(CountHandles(), before + 1);
+  EXPECT_EQ(testing::CountHandles(), before + 1);
 }
 
 TEST_F(RegistryKeys, AreClosedByAHundredThousandLoads) {
   Store(TextValue(L"2.5"));
   ExpectDefaults(kRoot, {path, kCategory, L"Missing"});  // whatever is opened once is open now
-  const std::size_t before = CountHandles();
+  const std::size_t before = testing::CountHandles();
   for (int i = 0; i < 20'000; ++i) {
     LoadInt(1);
     LoadBool(true);
@@ -1172,7 +1121,7 @@ TEST_F(RegistryKeys, AreClosedByAHundredThousandLoads) {
     LoadText(L"");
     LoadBinary("");
   }
-  EXPECT_EQ(CountHandles(), before);
+  EXPECT_EQ(testing::CountHandles(), before);
 }
 
 TEST_F(RegistryKeys, AreClosedByAllThatFails) {
@@ -1187,11 +1136,11 @@ TEST_F(RegistryKeys, AreClosedByAllThatFails) {
     EXPECT_FALSE(Registry::DeleteKey(kRoot, path, L"Missing"));
   };
   fail();
-  const std::size_t before = CountHandles();
+  const std::size_t before = testing::CountHandles();
   for (int i = 0; i < 100; ++i) {
     fail();
   }
-  EXPECT_EQ(CountHandles(), before);
+  EXPECT_EQ(testing::CountHandles(), before);
 }
 
 TEST_F(RegistryKeys, AreClosedByAllThatSucceeds) {
@@ -1206,11 +1155,11 @@ TEST_F(RegistryKeys, AreClosedByAllThatSucceeds) {
     EXPECT_TRUE(Registry::DeleteKey(kRoot, path, kCategory));
   };
   succeed();
-  const std::size_t before = CountHandles();
+  const std::size_t before = testing::CountHandles();
   for (int i = 0; i < 100; ++i) {
     succeed();
   }
-  EXPECT_EQ(CountHandles(), before);
+  EXPECT_EQ(testing::CountHandles(), before);
 }
 
 }  // namespace

@@ -5,18 +5,24 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <string>
 
 namespace vemora::testing {
 
-/// Sets a locale and goes back to the C locale at the end.
+/// Goes back to the locale that it found.
 class ScopedLocale {
  public:
-  explicit ScopedLocale(const char* name) {
+  /// Changes nothing yet.
+  ScopedLocale() : earlier_(std::setlocale(LC_ALL, nullptr)) {}
+  explicit ScopedLocale(const char* name) : ScopedLocale() {
     EXPECT_NE(std::setlocale(LC_ALL, name), nullptr) << "no locale " << name;
   }
   ScopedLocale(const ScopedLocale&) = delete;
   ScopedLocale& operator=(const ScopedLocale&) = delete;
-  ~ScopedLocale() { std::setlocale(LC_ALL, "C"); }
+  ~ScopedLocale() { std::setlocale(LC_ALL, earlier_.c_str()); }
+
+ private:
+  std::string earlier_;
 };
 
 }  // namespace vemora::testing
