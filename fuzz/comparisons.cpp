@@ -1,12 +1,31 @@
 // Comparisons of three texts: laws that an order has, and agreement with the maps of the store.
+#include <set>
+#include <string>
+
 #include "fuzz/fuzz_support.h"
+#include "prefs/FoldedName.h"
 
 namespace {
+
+using vemora::prefs::CompareNames;
+using vemora::prefs::FoldedName;
 
 using namespace vemora::fuzz;  // NOLINT(google-build-using-namespace)
 
 bool HasDigit(const vemora_ustring& text) {
   return text.find_first_of(vemora_ustring("0123456789")) != vemora_ustring::npos;
+}
+
+/// What the store goes by, for names as they are given and as it keeps them.
+void CheckNames(const vemora_ustring& left, const vemora_ustring& right) {
+  const std::string left_utf8 = left.ToUtf8();
+  const std::string right_utf8 = right.ToUtf8();
+  const int order = left.CompareNoCase(right);
+  Check(CompareNames(left_utf8, right_utf8) == order, "stored names have the same order");
+  const FoldedName folded(left);
+  Check((folded == FoldedName(right)) == (order == 0), "equal names fold to the same");
+  Check((folded == FoldedName(right_utf8)) == (order == 0), "stored names fold to the same");
+  Check(order != 0 || folded.Hash() == FoldedName(right_utf8).Hash(), "equal names hash alike");
 }
 
 void CheckPair(const vemora_ustring& left, const vemora_ustring& right) {
@@ -16,6 +35,7 @@ void CheckPair(const vemora_ustring& left, const vemora_ustring& right) {
   Check(natural >= -1 && natural <= 1, "CompareNatural gives -1, 0 or 1");
   Check(no_case == -right.CompareNoCase(left), "CompareNoCase is antisymmetric");
   Check(natural == -right.CompareNatural(left), "CompareNatural is antisymmetric");
+  CheckNames(left, right);
   Check(no_case != 0 || natural == 0, "texts that differ in case only are equal to CompareNatural");
   if (!HasDigit(left) && !HasDigit(right)) {
     Check(natural == no_case, "CompareNatural without digits is CompareNoCase");
@@ -34,18 +54,15 @@ void CheckTriple(const vemora_ustring& a, const vemora_ustring& b, const vemora_
   }
 }
 
-void CheckMap(const std::array<vemora_ustring, 3>& texts) {
-  vemora::prefs::CategoryMap<int> map;
+void CheckSet(const std::array<vemora_ustring, 3>& texts) {
+  std::set<vemora_ustring, vemora::utils::NoCaseLess> names(texts.begin(), texts.end());
   for (const vemora_ustring& text : texts) {
-    map[text];
+    const auto found = names.find(text);
+    Check(found != names.end(), "a set finds each of its names");
+    Check(found->CompareNoCase(text) == 0, "a set finds the name that CompareNoCase equals");
   }
-  for (const vemora_ustring& text : texts) {
-    const auto found = map.find(text);
-    Check(found != map.end(), "a map finds each of its names");
-    Check(found->first.CompareNoCase(text) == 0, "a map finds the name that CompareNoCase equals");
-  }
-  for (auto entry = map.begin(), next = entry; ++next != map.end(); entry = next) {
-    Check(entry->first.CompareNoCase(next->first) == -1, "a map has the order of CompareNoCase");
+  for (auto name = names.begin(), next = name; ++next != names.end(); name = next) {
+    Check(name->CompareNoCase(*next) == -1, "a set has the order of CompareNoCase");
   }
 }
 
@@ -65,6 +82,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       }
     }
   }
-  CheckMap(texts);
+  CheckSet(texts);
   return 0;
 }

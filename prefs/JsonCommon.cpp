@@ -3,11 +3,16 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <optional>
+#include <string_view>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
+#include "prefs/FoldedName.h"
 #include "prefs/JsonText.h"
 #include "prefs/PreferencesDefaults.h"
+#include "prefs/PreferencesJson.h"
 #include "prefs/ShareLevelTable.h"
 #include "utils/Files.h"
 
@@ -40,15 +45,75 @@ bool CanBeStored(const Variant& value) {
   }
 }
 
-/// Loads what the file holds; false when it is missing, unreadable or empty.
-bool LoadFile(const vemora_ustring& path, LevelMaps& levels, EShareLevel first, EShareLevel last) {
+/// Nothing when the file is missing, unreadable or empty.
+std::optional<LoadedLevels> LoadFile(const vemora_ustring& path, EShareLevel first,
+                                     EShareLevel last) {
   std::size_t size = 0;
   const std::unique_ptr<char[]> text = utils::ReadWholeFile(path, &size);
   if (text == nullptr || size == 0) {
+    return std::nullopt;
+  }
+  return ReadLevels(text.get(), size, first, last);
+}
+
+std::optional<LoadedLevels> LoadSharedFile(const vemora_ustring& path) {
+  return LoadFile(path, kFirstSharedLevel, kLastSharedLevel);
+}
+
+std::optional<LoadedLevels> LoadPrivateFile(const vemora_ustring& path) {
+  return LoadFile(path, kThisComputerOnly, kThisComputerOnly);
+}
+
+/// Replaces the levels that the file provided.
+void TakeLevels(std::optional<LoadedLevels> loaded, LevelMaps& levels) noexcept {
+  for (std::size_t level = 0; loaded.has_value() && level < levels.size(); ++level) {
+    if ((*loaded)[level].has_value()) {
+      levels[level] = std::move(*(*loaded)[level]);
+    }
+  }
+}
+
+/// The built-in classification, as whole numbers.
+PreferenceMap MakeClassification() {
+  PreferenceMap classification;
+  std::string_view category;
+  for (const ShareLevelRow& row : ShareLevelRows()) {
+    if (row.category != category) {
+      category = row.category;
+      classification.OpenCategory(category);
+    }
+    // Preferences of other platforms stay unclassified here and so take the default level.
+    if (row.level <= kWindowsOnly) {
+      classification.SetInOpenCategory(row.key, static_cast<int>(row.level));
+    }
+  }
+  return classification;
+}
+
+/// Stores a value, unless the overwrite flag is false and there is one already; false then.
+bool StoreIn(PreferenceMap& level, const FoldedPair& pair, const PreferenceValue& value) {
+  if (!GetDefaultOverwriteFlag() && level.Find(pair) != nullptr) {
     return false;
   }
-  ReadLevels(text.get(), size, levels, first, last);
+  level.Set(pair, value);
   return true;
+}
+
+/// As the maps take a value. A text is put into `buffer`.
+PreferenceValue ToPreferenceValue(const Variant& value, std::string& buffer) {
+  switch (value.GetType()) {
+    case Variant::kBool:
+      return value.GetBool();
+    case Variant::kInt:
+      return value.GetInt();
+    case Variant::kDouble:
+      return value.GetDouble();
+    case Variant::kString:
+      buffer = value.GetString().ToUtf8();
+      return std::string_view(buffer);
+    default:
+      return &value;
+  }
 }
 
 void SaveFile(const vemora_ustring& path, const LevelMaps& levels, EShareLevel first,
@@ -66,7 +131,7 @@ JsonCommon::JsonCommon(const JsonCommon& other) = default;
 JsonCommon& JsonCommon::operator=(const JsonCommon& other) {
   // Copied first, so that running out of memory loses nothing of what is here.
   LevelMaps new_levels = other.levels;
-  CategoryMap<PrefsData> new_level_data = other.levelData;
+  PreferenceMap new_level_data = other.levelData;
   vemora_ustring new_shared_path = other.sharedPath;
   vemora_ustring new_private_path = other.privatePath;
 
@@ -95,94 +160,87 @@ JsonCommon::~JsonCommon() {
 }
 
 bool JsonCommon::IsPreferenceSet(const vemora_ustring& category, const vemora_ustring& key) {
-  return FindValue(category, key) != nullptr;
+  return FindPreference({category, key}) != nullptr;
 }
 
 bool JsonCommon::CategoryExists(const vemora_ustring& category) {
-  return std::any_of(levels.begin(), levels.end(), [&category](const LevelMap& level) {
-    return level.find(category) != level.end();
-  });
+  const FoldedName name(category);
+  return std::any_of(levels.begin(), levels.end(),
+                     [&name](const PreferenceMap& level) { return level.HasCategory(name); });
 }
 
 void JsonCommon::DeleteCategory(const vemora_ustring& category) {
-  for (LevelMap& level : levels) {
-    if (level.erase(category) > 0) {
+  const FoldedName name(category);
+  for (PreferenceMap& level : levels) {
+    if (level.EraseCategory(name)) {
       dirty = true;
     }
   }
 }
 
 void JsonCommon::DeletePreference(const vemora_ustring& category, const vemora_ustring& key) {
-  LevelMap& level = LevelOf(category, key);
-  const auto found = level.find(category);
-  if (found == level.end() || found->second.erase(key) == 0) {
-    return;
+  const FoldedPair pair(category, key);
+  if (levels[LevelOf(pair)].Erase(pair)) {
+    dirty = true;
   }
-  if (found->second.empty()) {
-    level.erase(found);
-  }
-  dirty = true;
 }
 
 EShareLevel JsonCommon::GetLevel(const vemora_ustring& category, const vemora_ustring& key) {
-  const auto keys = levelData.find(category);
-  if (keys != levelData.end()) {
-    const auto found = keys->second.find(key);
-    if (found != keys->second.end()) {
-      return found->second.level;
-    }
-  }
-  const EShareLevel level = GetDefaultShareLevel();
-  return IsLevel(level) ? level : kThisComputerOnly;
+  return ClassifiedLevel({category, key});
 }
 
 bool JsonCommon::IsLevelEmpty(EShareLevel level) const {
-  return !IsLevel(level) || levels[level].empty();
+  return !IsLevel(level) || levels[level].Empty();
 }
 
 int JsonCommon::ReadInt(const vemora_ustring& category, const vemora_ustring& key,
                         int defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kInt ? value.GetInt() : defaultValue;
+  const Preference* const found = FindPreference({category, key});
+  const int* const value = found != nullptr ? found->GetInt() : nullptr;
+  return value != nullptr ? *value : defaultValue;
 }
 
 bool JsonCommon::WriteInt(const vemora_ustring& category, const vemora_ustring& key, int value) {
-  WriteValueToMaps(category, key, value);
+  Store({category, key}, value);
   return true;
 }
 
 double JsonCommon::ReadDouble(const vemora_ustring& category, const vemora_ustring& key,
                               double defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kDouble ? value.GetDouble() : defaultValue;
+  const Preference* const found = FindPreference({category, key});
+  const double* const value = found != nullptr ? found->GetDouble() : nullptr;
+  return value != nullptr ? *value : defaultValue;
 }
 
 bool JsonCommon::WriteDouble(const vemora_ustring& category, const vemora_ustring& key,
                              double value) {
-  WriteValueToMaps(category, key, value);
+  Store({category, key}, value);
   return true;
 }
 
 vemora_ustring JsonCommon::ReadString(const vemora_ustring& category, const vemora_ustring& key,
                                       const vemora_ustring& defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kString ? value.GetString() : defaultValue;
+  const Preference* const found = FindPreference({category, key});
+  return found != nullptr && found->IsText() ? vemora_ustring::FromUtf8(found->GetText())
+                                             : defaultValue;
 }
 
 bool JsonCommon::WriteString(const vemora_ustring& category, const vemora_ustring& key,
                              const vemora_ustring& value) {
-  WriteValueToMaps(category, key, value);
+  const std::string text = value.ToUtf8();
+  Store({category, key}, std::string_view(text));
   return true;
 }
 
 bool JsonCommon::ReadBool(const vemora_ustring& category, const vemora_ustring& key,
                           bool defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kBool ? value.GetBool() : defaultValue;
+  const Preference* const found = FindPreference({category, key});
+  const bool* const value = found != nullptr ? found->GetBool() : nullptr;
+  return value != nullptr ? *value : defaultValue;
 }
 
 bool JsonCommon::WriteBool(const vemora_ustring& category, const vemora_ustring& key, bool value) {
-  WriteValueToMaps(category, key, value);
+  Store({category, key}, value);
   return true;
 }
 
@@ -199,9 +257,16 @@ bool JsonCommon::WriteBinary(const vemora_ustring& /*category*/, const vemora_us
 }
 
 void JsonCommon::LoadPreferences() {
-  LoadLevelData();
-  LoadSharedPreferences();
-  LoadPrivatePreferences();
+  // Running out of memory is over before anything changes: what one file holds, or half a
+  // classification, is not to be saved over the other file.
+  PreferenceMap classification = MakeClassification();
+  std::optional<LoadedLevels> shared = LoadSharedFile(sharedPath);
+  std::optional<LoadedLevels> own = LoadPrivateFile(privatePath);
+  levelData = std::move(classification);
+  // A store without its shared file writes one when it goes, even if nothing changed.
+  dirty = !shared.has_value();
+  TakeLevels(std::move(shared), levels);
+  TakeLevels(std::move(own), levels);
 }
 
 void JsonCommon::SavePreferences() {
@@ -212,14 +277,13 @@ void JsonCommon::SavePreferences() {
 void JsonCommon::Synchronize() { SavePreferences(); }
 
 bool JsonCommon::ReadDictionary(const vemora_ustring& name, Dictionary& out) {
-  const vemora_ustring category = DictionaryCategory(name);
-  for (const LevelMap& level : levels) {
-    const auto found = level.find(category);
-    if (found == level.end()) {
-      continue;
+  const FoldedName category(DictionaryCategory(name));
+  for (const PreferenceMap& level : levels) {
+    // Copied first, for the host's own Set may change the store.
+    std::vector<std::pair<vemora_ustring, Variant>> entries;
+    for (const Preference* entry : level.GetPreferences(category)) {
+      entries.emplace_back(vemora_ustring::FromUtf8(entry->Name()), level.GetValue(*entry));
     }
-    // Walks a copy, for the host's own Set may change the store.
-    const auto entries = found->second;
     for (const auto& [key, value] : entries) {
       out.Set(key, value);
     }
@@ -229,14 +293,25 @@ bool JsonCommon::ReadDictionary(const vemora_ustring& name, Dictionary& out) {
 
 bool JsonCommon::WriteDictionary(const vemora_ustring& name, const Dictionary& in) {
   const vemora_ustring category = DictionaryCategory(name);
-  DeleteCategory(category);
+  // Made aside, so that running out of memory loses nothing of the old dictionary.
+  LevelMaps entries;
   bool all_stored = true;
   for (const auto& [key, value] : in.values) {
     if (CanBeStored(value)) {
-      WriteValueToMaps(category, key, value);
+      const FoldedPair pair(category, key);
+      std::string text;
+      StoreIn(entries[LevelOf(pair)], pair, ToPreferenceValue(value, text));
     } else {
       all_stored = false;
     }
+  }
+  for (std::size_t level = 0; level < levels.size(); ++level) {
+    levels[level].ReserveFor(entries[level]);
+  }
+  DeleteCategory(category);
+  for (std::size_t level = 0; level < levels.size(); ++level) {
+    dirty = dirty || !entries[level].Empty();
+    levels[level].Adopt(std::move(entries[level]));
   }
   return all_stored;
 }
@@ -264,63 +339,35 @@ void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
 }
 
 Variant JsonCommon::GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key) {
-  const Variant* value = FindValue(category, key);
-  return value != nullptr ? *value : Variant();
+  const FoldedPair pair(category, key);
+  const PreferenceMap& level = levels[LevelOf(pair)];
+  const Preference* const found = level.Find(pair);
+  return found != nullptr ? level.GetValue(*found) : Variant();
 }
 
 void JsonCommon::WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
                                   const Variant& value) {
-  LevelMap& level = LevelOf(category, key);
-  const auto found = level.find(category);
-  if (found == level.end()) {
-    // The inner map is filled first, so that a failure leaves no empty category behind.
-    LevelMap::mapped_type keys;
-    keys.emplace(key, value);
-    level.emplace(category, std::move(keys));
-  } else {
-    const auto [entry, inserted] = found->second.try_emplace(key, value);
-    if (!inserted) {
-      if (!GetDefaultOverwriteFlag()) {
-        return;
-      }
-      entry->second = value;
-    }
-  }
-  dirty = true;
+  std::string text;
+  Store({category, key}, ToPreferenceValue(value, text));
 }
 
 bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring& key,
                            const PrefsData& data) {
-  return levelData[category].insert_or_assign(key, data).second;
+  const FoldedPair pair(category, key);
+  const bool added = levelData.Find(pair) == nullptr;
+  levelData.Set(pair, static_cast<int>(data.level));
+  return added;
 }
 
-void JsonCommon::LoadLevelData() {
-  const std::vector<ShareLevelEntry> table = MakeShareLevelTable();
-  CategoryMap<PrefsData> previous;
-  previous.swap(levelData);
-  try {
-    for (const ShareLevelEntry& entry : table) {
-      // Preferences of other platforms stay unclassified here and so take the default level.
-      const auto level = static_cast<EShareLevel>(entry.level);
-      if (level <= kWindowsOnly) {
-        LoadLevel(entry.category, entry.key, {level});
-      }
-    }
-  } catch (...) {
-    // Half a classification would send values to the wrong file.
-    levelData.swap(previous);
-    throw;
-  }
-}
+void JsonCommon::LoadLevelData() { levelData = MakeClassification(); }
 
 void JsonCommon::LoadSharedPreferences() {
-  // A store without its shared file writes one when it goes, even if nothing changed.
-  dirty = !LoadFile(sharedPath, levels, kFirstSharedLevel, kLastSharedLevel);
+  std::optional<LoadedLevels> shared = LoadSharedFile(sharedPath);
+  dirty = !shared.has_value();
+  TakeLevels(std::move(shared), levels);
 }
 
-void JsonCommon::LoadPrivatePreferences() {
-  LoadFile(privatePath, levels, kThisComputerOnly, kThisComputerOnly);
-}
+void JsonCommon::LoadPrivatePreferences() { TakeLevels(LoadPrivateFile(privatePath), levels); }
 
 void JsonCommon::SaveSharedPreferences() {
   SaveFile(sharedPath, levels, kFirstSharedLevel, kLastSharedLevel);
@@ -332,19 +379,36 @@ void JsonCommon::SavePrivatePreferences() {
   SaveFile(privatePath, levels, kThisComputerOnly, kThisComputerOnly);
 }
 
-LevelMap& JsonCommon::LevelOf(const vemora_ustring& category, const vemora_ustring& key) {
-  const EShareLevel level = GetLevel(category, key);
-  return levels[IsLevel(level) ? level : kThisComputerOnly];
+/// Whether nobody has overridden `GetLevel`, so that its answer can be had without the call.
+bool JsonCommon::ClassifiesByTable() const {
+  return typeid(*this) == typeid(PreferencesJson) || typeid(*this) == typeid(JsonCommon);
 }
 
-const Variant* JsonCommon::FindValue(const vemora_ustring& category, const vemora_ustring& key) {
-  const LevelMap& level = LevelOf(category, key);
-  const auto keys = level.find(category);
-  if (keys == level.end()) {
-    return nullptr;
+EShareLevel JsonCommon::ClassifiedLevel(const FoldedPair& pair) const {
+  const Preference* const found = levelData.Find(pair);
+  if (found != nullptr) {
+    return static_cast<EShareLevel>(*found->GetInt());
   }
-  const auto found = keys->second.find(key);
-  return found == keys->second.end() ? nullptr : &found->second;
+  const EShareLevel level = GetDefaultShareLevel();
+  return IsLevel(level) ? level : kThisComputerOnly;
+}
+
+EShareLevel JsonCommon::LevelOf(const FoldedPair& pair) {
+  if (ClassifiesByTable()) {
+    return ClassifiedLevel(pair);
+  }
+  const EShareLevel level = GetLevel(pair.category_name, pair.key_name);
+  return IsLevel(level) ? level : kThisComputerOnly;
+}
+
+const Preference* JsonCommon::FindPreference(const FoldedPair& pair) {
+  return levels[LevelOf(pair)].Find(pair);
+}
+
+void JsonCommon::Store(const FoldedPair& pair, const PreferenceValue& value) {
+  if (StoreIn(levels[LevelOf(pair)], pair, value)) {
+    dirty = true;
+  }
 }
 
 }  // namespace vemora::prefs

@@ -4,10 +4,10 @@
 #pragma once
 
 #include <array>
-#include <map>
 #include <string>
 
 #include "prefs/IPreferences.h"
+#include "prefs/PreferenceMap.h"
 #include "prefs/ShareLevel.h"
 #include "utils/Dictionary.h"
 #include "utils/Export.h"
@@ -26,16 +26,8 @@ struct PrefsData {
   EShareLevel level;
 };
 
-/// Preferences by category and key. Names that differ in case only are one name.
-template <typename Value>
-using CategoryMap =
-    std::map<vemora_ustring, std::map<vemora_ustring, Value, utils::NoCaseLess>, utils::NoCaseLess>;
-
-/// The preferences of one share level.
-using LevelMap = CategoryMap<utils::Variant>;
-
-/// One level map per share level, indexed by `EShareLevel`.
-using LevelMaps = std::array<LevelMap, kShareLevelCount>;
+/// The preferences of each share level, indexed by `EShareLevel`.
+using LevelMaps = std::array<PreferenceMap, kShareLevelCount>;
 
 /// A store of preferences that saves level 0 to a private file and levels 1 to 6 to a shared file.
 ///
@@ -145,11 +137,14 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   void SavePrivatePreferences();
 
  private:
-  LevelMap& LevelOf(const vemora_ustring& category, const vemora_ustring& key);
-  const utils::Variant* FindValue(const vemora_ustring& category, const vemora_ustring& key);
+  bool ClassifiesByTable() const;
+  EShareLevel ClassifiedLevel(const FoldedPair& pair) const;
+  EShareLevel LevelOf(const FoldedPair& pair);
+  const Preference* FindPreference(const FoldedPair& pair);
+  void Store(const FoldedPair& pair, const PreferenceValue& value);
 
   LevelMaps levels;
-  CategoryMap<PrefsData> levelData;
+  PreferenceMap levelData;  // levels as whole numbers
   bool dirty = false;
   bool deleteFilesOnExit = false;
   bool savePrefs = true;

@@ -1,10 +1,11 @@
 #include "prefs/JsonText.h"
 
-#include <rapidjson/document.h>
-#include <rapidjson/prettywriter.h>
+#include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -15,9 +16,9 @@
 #include <system_error>
 #include <utility>
 
-namespace vemora::prefs {
+#include "prefs/FoldedName.h"
 
-using utils::Variant;
+namespace vemora::prefs {
 
 namespace {
 
@@ -44,12 +45,9 @@ class ThrowingAllocator {
 };
 
 using Utf8 = rapidjson::UTF8<>;
-using Pool = rapidjson::MemoryPoolAllocator<ThrowingAllocator>;
-using Tree = rapidjson::GenericDocument<Utf8, Pool, ThrowingAllocator>;
-using Value = Tree::ValueType;
 using Reader = rapidjson::GenericReader<Utf8, Utf8, ThrowingAllocator>;
 using Buffer = rapidjson::GenericStringBuffer<Utf8, ThrowingAllocator>;
-using Writer = rapidjson::PrettyWriter<Buffer, Utf8, Utf8, ThrowingAllocator>;
+using Writer = rapidjson::Writer<Buffer, Utf8, Utf8, ThrowingAllocator>;
 
 /// Whether all of the text is a number that fits.
 template <typename Number>
@@ -74,35 +72,127 @@ bool IsTooSmall(std::string_view number) {
   return point - first + exponent < 0;
 }
 
-/// A parsed text. Converts the numbers itself, correctly rounded, so that every double comes back
-/// as it was saved: the parser's own exact conversion reads beyond its tables for a number such as
-/// 0.00...01 with some hundred zeros, and makes infinities of numbers that are slightly too large.
-class Document : public Tree {
+/// UTF-8 as the store keeps it, in `buffer` if need be: ill-formed bytes are replaced.
+std::string_view Normalize(std::string_view text, std::string& buffer) {
+  if (IsAsciiText(text)) {
+    return text;
+  }
+  buffer = vemora_ustring::FromUtf8(text).ToUtf8();
+  return buffer;
+}
+
+/// What the parser calls while it reads.
+///
+/// Converts the numbers itself, correctly rounded, so that every double comes back as it was saved:
+/// the parser's own exact conversion reads beyond its tables for a number such as 0.00...01 with
+/// some hundred zeros, and makes infinities of numbers that are slightly too large.
+class LevelsHandler : public rapidjson::BaseReaderHandler<Utf8, LevelsHandler> {
  public:
-  /// Stays null when the text, which is overwritten, is malformed.
-  explicit Document(char* text) {
-    // Iterative, so that deep nesting cannot exhaust the stack.
-    constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
-                                rapidjson::kParseNumbersAsStringsFlag;
-    auto parse = [this, text](Tree&) {
-      rapidjson::GenericInsituStringStream<Utf8> stream(text);
-      return !Reader().Parse<kFlags>(stream, *this).IsError();
-    };
-    Populate(parse);
+  LevelsHandler(EShareLevel first, EShareLevel last) : first_(first), last_(last) {}
+
+  LoadedLevels Take() { return std::move(levels_); }
+
+  bool Null() { return true; }
+
+  bool Bool(bool value) { return Scalar(value); }
+
+  bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
+    return !IsInCategory() || Scalar(Normalize({text, length}, text_));
   }
 
-  /// What the parser calls for a number. False, which makes the text malformed, for one that is too
-  /// large; the parser itself refuses most of these.
+  /// False, which makes the text malformed, for a number that is too large for a double; the parser
+  /// itself refuses most of these.
   bool RawNumber(const char* text, rapidjson::SizeType length, bool /*copy*/) {
     const std::string_view number(text, length);
     std::int64_t integer = 0;
     std::uint64_t large_integer = 0;
     double real = 0;
-    if (Convert(number, integer)) return Int64(integer);
-    if (Convert(number, large_integer)) return Uint64(large_integer);
-    if (Convert(number, real)) return Double(real);
-    return IsTooSmall(number) && Double(number.front() == '-' ? -0.0 : 0.0);
+    if (Convert(number, integer)) {
+      const auto value = static_cast<std::int32_t>(integer);
+      return value != integer || Scalar(value);
+    }
+    if (Convert(number, large_integer)) return true;
+    if (Convert(number, real)) return Scalar(real);
+    return IsTooSmall(number) && Scalar(number.front() == '-' ? -0.0 : 0.0);
   }
+
+  bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/) {
+    if (depth_ == taken_) {
+      name_ = {text, length};
+      members_of_root_ += depth_ == kRoot ? 1 : 0;
+    }
+    return length <= PreferenceMap::kLongestName;
+  }
+
+  bool StartObject() {
+    if (depth_ == taken_ && Takes(taken_ + 1)) {
+      ++taken_;
+    }
+    ++depth_;
+    return true;
+  }
+
+  bool EndObject(rapidjson::SizeType /*members*/) { return End(); }
+
+  bool StartArray() {
+    ++depth_;
+    return true;
+  }
+
+  bool EndArray(rapidjson::SizeType /*elements*/) { return End(); }
+
+ private:
+  /// Objects that are read, by how many objects are open.
+  static constexpr std::size_t kRoot = 1;
+  static constexpr std::size_t kLevel = 2;
+  static constexpr std::size_t kCategory = 3;
+
+  /// Begins an object of that kind, unless it is none of ours.
+  bool Takes(std::size_t kind) {
+    const std::size_t level = first_ + members_of_root_ - 1;
+    switch (kind) {
+      case kRoot:
+        return true;
+      case kLevel:
+        if (level > last_) {
+          return false;
+        }
+        level_ = &levels_[level].emplace();
+        return true;
+      case kCategory:
+        level_->OpenCategory(Normalize(name_, names_));
+        level_->EmptyOpenCategory();
+        return true;
+      default:
+        return false;
+    }
+  }
+
+  bool IsInCategory() const { return depth_ == kCategory && taken_ == kCategory; }
+
+  bool Scalar(const PreferenceValue& value) {
+    if (IsInCategory()) {
+      level_->SetInOpenCategory(Normalize(name_, names_), value);
+    }
+    return true;
+  }
+
+  bool End() {
+    --depth_;
+    taken_ = std::min(taken_, depth_);
+    return true;
+  }
+
+  EShareLevel first_;
+  EShareLevel last_;
+  LoadedLevels levels_;
+  PreferenceMap* level_ = nullptr;
+  std::size_t members_of_root_ = 0;
+  std::size_t depth_ = 0;  // objects and arrays that are open
+  std::size_t taken_ = 0;  // the outermost of them, which are read
+  std::string_view name_;  // of the member that follows
+  std::string names_;
+  std::string text_;
 };
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
@@ -134,9 +224,14 @@ void UnescapeLoneSurrogates(char* text, std::size_t size) {
   char* out = text;
   const std::string_view input(text, size);
   for (std::size_t index = 0; index < size;) {
-    if (input[index] != '\\') {
-      *out++ = input[index++];
-      continue;
+    const std::size_t escape = std::min(input.find('\\', index), size);
+    if (out != text + index) {
+      std::memmove(out, text + index, escape - index);
+    }
+    out += escape - index;
+    index = escape;
+    if (index == size) {
+      break;
     }
     const unsigned unit = EscapedUnit(input.substr(index));
     const bool high = IsHighSurrogate(unit);
@@ -159,77 +254,147 @@ void UnescapeLoneSurrogates(char* text, std::size_t size) {
   *out = '\0';
 }
 
-vemora_ustring ToText(const Value& value) {
-  return vemora_ustring::FromUtf8({value.GetString(), value.GetStringLength()});
+bool NeedsEscape(char character) {
+  return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
 }
 
-/// An empty Variant for what the files do not hold.
-Variant ToVariant(const Value& value) {
-  if (value.IsString()) return ToText(value);
-  if (value.IsInt()) return value.GetInt();
-  if (value.IsBool()) return value.GetBool();
-  if (value.IsDouble()) return value.GetDouble();
-  return {};
-}
-
-LevelMap ReadLevel(const Value& object) {
-  LevelMap level;
-  for (const auto& category : object.GetObject()) {
-    if (!category.value.IsObject()) {
-      continue;
+/// How many bytes at the start need no escape.
+std::size_t CountUnescaped(std::string_view text) {
+  constexpr std::uint64_t kEach = 0x0101010101010101;
+  constexpr std::uint64_t kHighBits = 0x80 * kEach;
+  // The high bit of each byte that is zero, and perhaps of bytes behind such a one.
+  const auto zeros = [](std::uint64_t word) { return (word - kEach) & ~word & kHighBits; };
+  std::size_t index = 0;
+  for (; index + 8 <= text.size(); index += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + index, 8);
+    const std::uint64_t control = (word - 0x20 * kEach) & ~word & kHighBits;
+    if ((control | zeros(word ^ ('"' * kEach)) | zeros(word ^ ('\\' * kEach))) != 0) {
+      break;
     }
-    LevelMap::mapped_type keys;
-    for (const auto& preference : category.value.GetObject()) {
-      Variant value = ToVariant(preference.value);
-      if (value.GetType() != Variant::kEmpty) {
-        keys.insert_or_assign(ToText(preference.name), std::move(value));
-      }
-    }
-    level.insert_or_assign(ToText(category.name), std::move(keys));
   }
-  return level;
+  while (index < text.size() && !NeedsEscape(text[index])) {
+    ++index;
+  }
+  return index;
 }
 
-void WriteName(Writer& writer, const vemora_ustring& name) {
-  const std::string utf8 = name.ToUtf8();
-  writer.Key(utf8.data(), static_cast<rapidjson::SizeType>(utf8.size()));
-}
+/// Writes objects within objects, indented by four blanks.
+class TextWriter {
+ public:
+  explicit TextWriter(std::size_t expectedSize) { text_.reserve(expectedSize); }
 
-void WriteValue(Writer& writer, const Variant& value) {
-  switch (value.GetType()) {
-    case Variant::kBool:
-      writer.Bool(value.GetBool());
-      break;
-    case Variant::kInt:
-      writer.Int(value.GetInt());
-      break;
-    case Variant::kDouble:
-      // JSON has no infinities and no NaN.
-      if (std::isfinite(value.GetDouble())) {
-        writer.Double(value.GetDouble());
-      } else {
-        writer.Null();
-      }
-      break;
-    case Variant::kString: {
-      const std::string utf8 = value.GetString().ToUtf8();
-      writer.String(utf8.data(), static_cast<rapidjson::SizeType>(utf8.size()));
-      break;
+  void StartObject() {
+    text_ += '{';
+    first_ = true;
+    ++depth_;
+  }
+
+  void EndObject() {
+    --depth_;
+    if (!first_) {
+      StartLine();
     }
-    default:
-      writer.Null();
-      break;
+    text_ += '}';
+    first_ = false;
+  }
+
+  void Key(std::string_view name) {
+    if (!first_) {
+      text_ += ',';
+    }
+    first_ = false;
+    StartLine();
+    String(name);
+    text_ += ": ";
+  }
+
+  void String(std::string_view utf8) {
+    text_ += '"';
+    for (;;) {
+      const std::size_t plain = CountUnescaped(utf8);
+      text_ += utf8.substr(0, plain);
+      if (plain == utf8.size()) {
+        break;
+      }
+      Escape(utf8[plain]);
+      utf8.remove_prefix(plain + 1);
+    }
+    text_ += '"';
+  }
+
+  void Int(int value) {
+    std::array<char, 12> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    text_.append(digits.data(), end);
+  }
+
+  void Double(double value) {
+    // JSON has no infinities and no NaN.
+    if (!std::isfinite(value)) {
+      Literal("null");
+      return;
+    }
+    number_.Clear();
+    Writer(number_).Double(value);
+    text_.append(number_.GetString(), number_.GetSize());
+  }
+
+  void Literal(std::string_view literal) { text_ += literal; }
+
+  std::string Take() { return std::move(text_); }
+
+ private:
+  void StartLine() {
+    text_ += '\n';
+    text_.append(depth_ * 4, ' ');
+  }
+
+  void Escape(char character);
+
+  std::string text_;
+  std::size_t depth_ = 0;
+  bool first_ = true;
+  Buffer number_;
+};
+
+void TextWriter::Escape(char character) {
+  constexpr std::string_view kEscaped = "\"\\\b\f\n\r\t";
+  constexpr std::string_view kLetters = "\"\\bfnrt";
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  text_ += '\\';
+  const std::size_t found = kEscaped.find(character);
+  if (found != std::string_view::npos) {
+    text_ += kLetters[found];
+    return;
+  }
+  text_ += "u00";
+  text_ += kDigits[static_cast<unsigned char>(character) >> 4];
+  text_ += kDigits[static_cast<unsigned char>(character) & 0xF];
+}
+
+void WriteValue(TextWriter& writer, const Preference& preference) {
+  if (const int* const integer = preference.GetInt()) {
+    writer.Int(*integer);
+  } else if (const bool* const boolean = preference.GetBool()) {
+    writer.Literal(*boolean ? "true" : "false");
+  } else if (const double* const real = preference.GetDouble()) {
+    writer.Double(*real);
+  } else if (preference.IsText()) {
+    writer.String(preference.GetText());
+  } else {
+    writer.Literal("null");
   }
 }
 
-void WriteLevel(Writer& writer, const LevelMap& level) {
+void WriteLevel(TextWriter& writer, const PreferenceMap& level) {
   writer.StartObject();
-  for (const auto& [category, keys] : level) {
-    WriteName(writer, category);
+  for (const PreferenceMap::Category& category : level.GetCategories()) {
+    writer.Key(category.name);
     writer.StartObject();
-    for (const auto& [key, value] : keys) {
-      WriteName(writer, key);
-      WriteValue(writer, value);
+    for (const Preference* preference : level.GetPreferences(category)) {
+      writer.Key(preference->Name());
+      WriteValue(writer, *preference);
     }
     writer.EndObject();
   }
@@ -238,37 +403,33 @@ void WriteLevel(Writer& writer, const LevelMap& level) {
 
 }  // namespace
 
-void ReadLevels(char* text, std::size_t size, LevelMaps& levels, EShareLevel first,
-                EShareLevel last) {
+LoadedLevels ReadLevels(char* text, std::size_t size, EShareLevel first, EShareLevel last) {
   UnescapeLoneSurrogates(text, size);
   const bool marked = std::strncmp(text, kByteOrderMark.data(), kByteOrderMark.size()) == 0;
-
-  Document document(marked ? text + kByteOrderMark.size() : text);
-  if (!document.IsObject()) {
-    return;
+  rapidjson::GenericInsituStringStream<Utf8> stream(marked ? text + kByteOrderMark.size() : text);
+  // Iterative, so that deep nesting cannot exhaust the stack.
+  constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
+                              rapidjson::kParseNumbersAsStringsFlag;
+  LevelsHandler handler(first, last);
+  if (Reader().Parse<kFlags>(stream, handler).IsError()) {
+    return {};
   }
-  std::size_t level = first;
-  for (const auto& member : document.GetObject()) {
-    if (level > last) {
-      break;
-    }
-    if (member.value.IsObject()) {
-      levels[level] = ReadLevel(member.value);
-    }
-    ++level;
-  }
+  return handler.Take();
 }
 
 std::string WriteLevels(const LevelMaps& levels, EShareLevel first, EShareLevel last) {
-  Buffer buffer;
-  Writer writer(buffer);
+  std::size_t expected_size = 1024;
+  for (std::size_t level = first; level <= last; ++level) {
+    expected_size += levels[level].MemoryUsed();
+  }
+  TextWriter writer(expected_size);
   writer.StartObject();
   for (std::size_t level = first; level <= last; ++level) {
-    WriteName(writer, kShareLevelNames[level]);
+    writer.Key(kShareLevelNames[level].ToUtf8());
     WriteLevel(writer, levels[level]);
   }
   writer.EndObject();
-  return {buffer.GetString(), buffer.GetSize()};
+  return writer.Take();
 }
 
 }  // namespace vemora::prefs

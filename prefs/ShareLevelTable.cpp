@@ -2,18 +2,10 @@
 
 #include <iterator>
 
-#include "prefs/ShareLevel.h"
-
 namespace vemora::prefs {
 namespace {
 
-struct Row {
-  const char* category;
-  const char* key;
-  EShareLevel level;
-};
-
-constexpr Row kRows[] = {
+constexpr ShareLevelRow kRows[] = {
     {"Application", "CID", kThisComputerOnly},
     {"Application", "RunCounterQL", kThisComputerOnly},
     {"Bugsplat", "Enabled", kThisComputerOnly},
@@ -583,11 +575,16 @@ constexpr Row kRows[] = {
 
 }  // namespace
 
+const ShareLevelRow* ShareLevelRows::begin() const { return std::begin(kRows); }
+
+const ShareLevelRow* ShareLevelRows::end() const { return std::end(kRows); }
+
 std::vector<ShareLevelEntry> MakeShareLevelTable() {
   std::vector<ShareLevelEntry> table;
   table.reserve(std::size(kRows));
-  for (const Row& row : kRows) {
-    table.push_back({row.category, row.key, static_cast<std::int32_t>(row.level)});
+  for (const ShareLevelRow& row : kRows) {
+    table.push_back({vemora_ustring::FromUtf8(row.category), vemora_ustring::FromUtf8(row.key),
+                     static_cast<std::int32_t>(row.level)});
   }
   return table;
 }

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
+#include "prefs/ShareLevel.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
@@ -18,5 +20,18 @@ struct ShareLevelEntry {
 
 /// A fresh sequence of all classified preferences, in table order.
 std::vector<ShareLevelEntry> MakeShareLevelTable();
+
+/// One row of the built-in table. The names are ASCII.
+struct ShareLevelRow {
+  std::string_view category;
+  std::string_view key;
+  EShareLevel level;
+};
+
+/// The same rows as they are built in.
+struct ShareLevelRows {
+  const ShareLevelRow* begin() const;
+  const ShareLevelRow* end() const;
+};
 
 }  // namespace vemora::prefs

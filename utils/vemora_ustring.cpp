@@ -9,6 +9,8 @@
 #include <cwctype>
 #include <vector>
 
+#include "utils/Ascii.h"
+#include "utils/CaseFolding.h"
 #include "utils/WideFormat.h"
 
 namespace vemora::utils {
@@ -17,14 +19,9 @@ namespace {
 constexpr std::size_t kConversionError = static_cast<std::size_t>(-1);
 constexpr char32_t kReplacementCharacter = 0xFFFD;
 
-constexpr bool IsSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 constexpr bool IsDigit(CodeUnit unit) { return unit >= 0x30 && unit <= 0x39; }
-
-CodeUnit UpperUnit(CodeUnit unit) {
-  return IsSurrogate(unit) ? unit : static_cast<CodeUnit>(std::towupper(unit));
-}
 
 CodeUnit LowerUnit(CodeUnit unit) {
   return IsSurrogate(unit) ? unit : static_cast<CodeUnit>(std::towlower(unit));
@@ -205,26 +202,34 @@ vemora_ustring& vemora_ustring::operator=(const CodeUnit* text) {
 }
 
 vemora_ustring::vemora_ustring(const char* text) {
-  if (text != nullptr) {
-    *this = FromWide(WideFromMultibyte(text));
+  if (text == nullptr) {
+    return;
   }
+  const std::size_t length = std::strlen(text);
+  *this = CountAscii(text, length) == length ? Base(text, text + length)
+                                             : Base(FromWide(WideFromMultibyte(text)));
 }
 
 vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vemora_ustring(text); }
 
 vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
-  vemora_ustring text;
-  text.reserve(utf8.size());
-  for (std::size_t index = 0; index < utf8.size();) {
+  std::size_t index = CountAscii(utf8.data(), utf8.size());
+  vemora_ustring text(Base(utf8.data(), utf8.data() + index));
+  if (index < utf8.size()) {
+    text.reserve(utf8.size());
+  }
+  while (index < utf8.size()) {
     AppendCodePoint(text, DecodeUtf8(utf8, index));
   }
   return text;
 }
 
 std::string vemora_ustring::ToUtf8() const {
-  std::string utf8;
-  utf8.reserve(size());
-  for (std::size_t index = 0; index < size();) {
+  std::size_t index = CountAscii(data(), size());
+  std::string utf8(index, '\0');
+  std::transform(data(), data() + index, utf8.begin(),
+                 [](CodeUnit unit) { return static_cast<char>(unit); });
+  while (index < size()) {
     AppendUtf8(utf8, NextCodePoint(data(), size(), index));
   }
   return utf8;
@@ -249,7 +254,7 @@ vemora_ustring& vemora_ustring::ToLower() {
 }
 
 vemora_ustring& vemora_ustring::ToUpper() {
-  std::transform(begin(), end(), begin(), UpperUnit);
+  std::transform(begin(), end(), begin(), FoldUnit);
   return *this;
 }
 
@@ -271,8 +276,8 @@ int vemora_ustring::CompareNoCase(const vemora_ustring& other) const {
     if (left == right) {
       continue;
     }
-    const CodeUnit left_folded = UpperUnit(left);
-    const CodeUnit right_folded = UpperUnit(right);
+    const CodeUnit left_folded = FoldUnit(left);
+    const CodeUnit right_folded = FoldUnit(right);
     if (left_folded != right_folded) {
       return Sign(left_folded < right_folded);
     }
@@ -286,7 +291,7 @@ int vemora_ustring::CompareNatural(const vemora_ustring& other) const {
   while (left < size() && right < other.size()) {
     const CodeUnit left_unit = (*this)[left];
     const CodeUnit right_unit = other[right];
-    const bool match = UpperUnit(left_unit) == UpperUnit(right_unit);
+    const bool match = FoldUnit(left_unit) == FoldUnit(right_unit);
     if (IsDigit(left_unit) && IsDigit(right_unit)) {
       const std::uint32_t left_value = ReadDigitRun(*this, left);
       const std::uint32_t right_value = ReadDigitRun(other, right);
@@ -299,7 +304,7 @@ int vemora_ustring::CompareNatural(const vemora_ustring& other) const {
     } else if (!match) {
       return IsDigit(left_unit) != IsDigit(right_unit)
                  ? Sign(IsDigit(left_unit))
-                 : Sign(UpperUnit(left_unit) < UpperUnit(right_unit));
+                 : Sign(FoldUnit(left_unit) < FoldUnit(right_unit));
     } else {
       ++left;
       ++right;

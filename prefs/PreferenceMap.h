@@ -1,0 +1,142 @@
+/// @file
+/// The preferences of one share level in memory. What it offers is internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "utils/Variant.h"
+
+namespace vemora::prefs {
+
+class FoldedName;
+struct FoldedPair;
+
+/// A value to be stored. A text is UTF-8; a Variant is one of a type that the files do not hold.
+using PreferenceValue = std::variant<bool, int, double, std::string_view, const utils::Variant*>;
+
+/// One preference as a PreferenceMap keeps it: 24 bytes, with its name behind them.
+class Preference {
+ public:
+  /// UTF-8.
+  std::string_view Name() const;
+
+  /// The value, or null when it is of another type.
+  /// @{
+  const int* GetInt() const { return kind_ == kInt ? &value_.integer : nullptr; }
+  const bool* GetBool() const { return kind_ == kBool ? &value_.boolean : nullptr; }
+  const double* GetDouble() const { return kind_ == kDouble ? &value_.real : nullptr; }
+  /// @}
+
+  bool IsText() const { return kind_ == kText; }
+  /// UTF-8.
+  std::string_view GetText() const;
+
+ private:
+  friend class PreferenceMap;
+
+  enum Kind : std::uint32_t { kInt, kBool, kDouble, kText, kOther, kErased };
+
+  /// Lies before the bytes of a text.
+  struct TextHeader {
+    std::uint32_t length;
+    std::uint32_t capacity;
+  };
+
+  union Value {
+    int integer;
+    bool boolean;
+    double real;
+    TextHeader* text;
+    std::size_t other;  // index
+  };
+
+  Value value_;
+  std::uint32_t category_;  // index
+  std::uint32_t next_;      // of the same category
+  std::uint32_t hash_;
+  std::uint32_t length_ : 28;  // of the name
+  std::uint32_t ascii_ : 1;    // whether the name is
+  Kind kind_ : 3;
+};
+
+/// Categories of preferences. Names that `CompareNoCase` takes for equal are one name, in the
+/// spelling of its first writer. One hash of both names finds a preference; the names are put in
+/// order when somebody walks through them.
+///
+/// Out of memory (std::bad_alloc), an operation changes nothing. Names of 256 MiB and more are
+/// refused (std::length_error).
+class PreferenceMap {
+ public:
+  /// In bytes.
+  static constexpr std::uint32_t kLongestName = (1U << 28) - 1;
+
+  /// A category, for walking through the map.
+  struct Category {
+    std::string_view name;
+    std::uint32_t index;
+  };
+
+  PreferenceMap() noexcept;
+  PreferenceMap(const PreferenceMap& other);
+  PreferenceMap(PreferenceMap&& other) noexcept;
+  PreferenceMap& operator=(PreferenceMap other) noexcept;
+  ~PreferenceMap();
+
+  /// Whether there is no category, not even an empty one.
+  bool Empty() const;
+
+  bool HasCategory(const FoldedName& category) const;
+
+  /// Null when there is none. Valid until the map changes.
+  const Preference* Find(const FoldedPair& pair) const;
+
+  utils::Variant GetValue(const Preference& preference) const;
+
+  /// Adds a preference or replaces its value.
+  void Set(const FoldedPair& pair, const PreferenceValue& value);
+
+  /// Removes a preference, and its category with the last one; false when there was none.
+  bool Erase(const FoldedPair& pair);
+
+  /// Removes a category with all it holds; false when there was none.
+  bool EraseCategory(const FoldedName& category);
+
+  /// Takes over the categories of another map, none of which is in this one. Memory that was
+  /// reserved for them before suffices.
+  /// @{
+  void ReserveFor(const PreferenceMap& other);
+  void Adopt(PreferenceMap&& other);
+  /// @}
+
+  /// For many preferences of one category: finds or makes a category, which may be emptied and
+  /// filled until the next one is opened. Names are UTF-8.
+  /// @{
+  void OpenCategory(std::string_view name);
+  void EmptyOpenCategory();
+  void SetInOpenCategory(std::string_view key, const PreferenceValue& value);
+  /// @}
+
+  /// Bytes of memory for what is stored, which is about as much as it takes in a file.
+  std::size_t MemoryUsed() const;
+
+  /// In ascending order of the names. Valid until the map changes.
+  /// @{
+  std::vector<Category> GetCategories() const;
+  std::vector<const Preference*> GetPreferences(const Category& category) const;
+  std::vector<const Preference*> GetPreferences(const FoldedName& category) const;
+  /// @}
+
+ private:
+  class Tables;
+
+  Tables& MakeTables();
+
+  std::unique_ptr<Tables> tables_;  // none as long as the map was never written to
+};
+
+}  // namespace vemora::prefs

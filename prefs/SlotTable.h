@@ -1,0 +1,57 @@
+/// @file
+/// A hash table of numbers. Internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace vemora::prefs {
+
+/// Finds the number of a thing by the hash of the thing: open addressing, linear probing. What the
+/// numbers stand for is the caller's.
+class SlotTable {
+ public:
+  static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+  /// The number under that hash for which `matches` is true, or `kNone`.
+  template <typename Matches>
+  std::uint32_t Find(std::uint32_t hash, Matches matches) const {
+    if (slots_.empty()) {
+      return kNone;
+    }
+    for (std::size_t index = hash & mask_;; index = (index + 1) & mask_) {
+      const Slot& slot = slots_[index];
+      if (slot.number == kNone) {
+        return kNone;
+      }
+      if (slot.hash == hash && matches(slot.number)) {
+        return slot.number;
+      }
+    }
+  }
+
+  std::size_t Count() const { return count_; }
+
+  /// Makes room, so that as many numbers can be added without an allocation.
+  /// @throws std::bad_alloc
+  void Reserve(std::size_t more);
+
+  /// Adds a number that is not there, for which there is room.
+  void Add(std::uint32_t hash, std::uint32_t number) noexcept;
+
+  /// Removes a number that is there.
+  void Remove(std::uint32_t hash, std::uint32_t number) noexcept;
+
+ private:
+  struct Slot {
+    std::uint32_t hash;
+    std::uint32_t number;
+  };
+
+  std::vector<Slot> slots_;  // a power of two of them, never full
+  std::size_t mask_ = 0;
+  std::size_t count_ = 0;
+};
+
+}  // namespace vemora::prefs
