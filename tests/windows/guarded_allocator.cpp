@@ -1,16 +1,14 @@
 // An `operator new` that puts each block against a page without access, and an `operator delete`
-// that takes all access away: an overrun and a use after free fault at once. What shares the pages
-// with a block holds a pattern, which is checked when the block goes.
+// that takes all access away: an overrun and a use after free fault at once. No address is used
+// twice. What shares the pages with a block holds a pattern, which is checked when the block goes.
 
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <new>
 
 namespace {
@@ -18,21 +16,29 @@ namespace {
 constexpr std::size_t kPage = 4096;
 constexpr std::size_t kAlignment = 16;
 constexpr unsigned char kPattern = 0xA5;
-
-/// How many freed blocks keep their addresses, so that no other block gets them.
-constexpr std::size_t kQuarantined = 4096;
+constexpr std::size_t kAddresses = std::size_t{64} << 30;  // some eight million blocks
 
 constexpr std::size_t RoundUp(std::size_t size, std::size_t unit) {
   return (size + unit - 1) / unit * unit;
 }
 
-/// Where a block of some size lies in its pages: at their end, behind its size.
+/// What stands before each block.
+struct Header {
+  explicit Header(std::size_t block_size) : size(block_size), inverted_size(~block_size) {}
+  bool IsIntact() const { return inverted_size == ~size; }
+
+  std::size_t size;
+  std::size_t inverted_size;
+};
+static_assert(sizeof(Header) == kAlignment);
+
+/// Where a block of some size lies in its pages: at their end.
 struct Layout {
   explicit Layout(std::size_t block_size)
-      : room(RoundUp(block_size, kAlignment)), pages(RoundUp(kAlignment + room, kPage)) {}
+      : room(RoundUp(block_size, kAlignment)), pages(RoundUp(sizeof(Header) + room, kPage)) {}
 
   std::size_t block() const { return pages - room; }
-  std::size_t size_field() const { return block() - kAlignment; }
+  std::size_t header() const { return block() - sizeof(Header); }
 
   std::size_t room;
   std::size_t pages;
@@ -54,38 +60,36 @@ LONG WINAPI StopAtFault(EXCEPTION_POINTERS* exception) {
 // Without it a fault would wait for a debugger.
 [[maybe_unused]] const auto previous_filter = SetUnhandledExceptionFilter(&StopAtFault);
 
-bool HoldsPattern(const unsigned char* first, const unsigned char* last) {
-  return std::all_of(first, last, [](unsigned char byte) { return byte == kPattern; });
+/// Addresses that no block had yet, or null.
+void* TakeAddresses(std::size_t size) {
+  static void* const first = VirtualAlloc(nullptr, kAddresses, MEM_RESERVE, PAGE_NOACCESS);
+  static std::atomic<std::size_t> taken = 0;
+  if (first == nullptr || size > kAddresses - taken) {
+    return nullptr;
+  }
+  const std::size_t offset = taken.fetch_add(size);
+  return offset + size <= kAddresses ? static_cast<unsigned char*>(first) + offset : nullptr;
 }
 
-/// Keeps the address range from reuse until as many others have come as there are places.
-void Quarantine(void* range) {
-  static std::mutex mutex;
-  static std::array<void*, kQuarantined> ranges;
-  static std::size_t oldest = 0;
-  const std::lock_guard<std::mutex> lock(mutex);
-  std::swap(range, ranges[oldest]);
-  oldest = (oldest + 1) % ranges.size();
-  if (range != nullptr) {
-    VirtualFree(range, 0, MEM_RELEASE);
-  }
+bool HoldsPattern(const unsigned char* first, const unsigned char* last) {
+  return std::all_of(first, last, [](unsigned char byte) { return byte == kPattern; });
 }
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-  const Layout layout(size);
-  // The last page stays without memory.
-  void* const range = size <= PTRDIFF_MAX
-                          ? VirtualAlloc(nullptr, layout.pages + kPage, MEM_RESERVE, PAGE_NOACCESS)
-                          : nullptr;
-  if (range == nullptr ||
-      VirtualAlloc(range, layout.pages, MEM_COMMIT, PAGE_READWRITE) == nullptr) {
+  if (size > kAddresses) {
     throw std::bad_alloc();
   }
-  auto* const pages = static_cast<unsigned char*>(range);
+  const Layout layout(size);
+  void* const addresses = TakeAddresses(layout.pages + kPage);  // the last page stays empty
+  if (addresses == nullptr ||
+      VirtualAlloc(addresses, layout.pages, MEM_COMMIT, PAGE_READWRITE) == nullptr) {
+    throw std::bad_alloc();
+  }
+  auto* const pages = static_cast<unsigned char*>(addresses);
   std::memset(pages, kPattern, layout.pages);
-  std::memcpy(pages + layout.size_field(), &size, sizeof(size));
+  new (pages + layout.header()) Header(size);
   return pages + layout.block();
 }
 
@@ -94,24 +98,16 @@ void operator delete(void* memory) noexcept {
     return;
   }
   auto* const block = static_cast<unsigned char*>(memory);
-  std::size_t size = 0;
-  std::memcpy(&size, block - kAlignment, sizeof(size));
-  const Layout layout(size);
+  const Header header = *reinterpret_cast<const Header*>(block - sizeof(Header));
+  const Layout layout(header.size);
   unsigned char* const pages = block - layout.block();
-  MEMORY_BASIC_INFORMATION range;
-  if (VirtualQuery(block - kAlignment, &range, sizeof(range)) == 0 ||
-      range.AllocationBase != pages) {
-    Stop("overwritten size of a block", block);
-  }
-  if (!HoldsPattern(pages, pages + layout.size_field()) ||
-      !HoldsPattern(block - kAlignment + sizeof(size), block)) {
+  if (!header.IsIntact() || !HoldsPattern(pages, pages + layout.header())) {
     Stop("write before a block", block);
   }
-  if (!HoldsPattern(block + size, block + layout.room)) {
+  if (!HoldsPattern(block + header.size, block + layout.room)) {
     Stop("write behind a block", block);
   }
   VirtualFree(pages, layout.pages, MEM_DECOMMIT);
-  Quarantine(pages);
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }
