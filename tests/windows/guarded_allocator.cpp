@@ -4,7 +4,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -72,7 +71,12 @@ void* TakeAddresses(std::size_t size) {
 }
 
 bool HoldsPattern(const unsigned char* first, const unsigned char* last) {
-  return std::all_of(first, last, [](unsigned char byte) { return byte == kPattern; });
+  if (first == last) {
+    return true;
+  }
+  // All bytes are equal when each equals the next.
+  const auto others = static_cast<std::size_t>(last - first) - 1;
+  return *first == kPattern && std::memcmp(first, first + 1, others) == 0;
 }
 
 }  // namespace
