@@ -7,7 +7,6 @@
 #include <direct.h>
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -28,7 +27,8 @@ struct Fault {
 
 inline void PrintTo(const Fault& fault, std::ostream* out) { *out << fault.name; }
 
-/// @param fail takes the place of the function; gets the function itself and what it was called with
+/// @param fail takes the place of the function; gets the function itself and what it was called
+/// with
 template <const char* kName, typename Function, typename Fail>
 Fault MakeFault(const std::string& name, Fail fail) {
   return {name, [fail](HMODULE module, int call, bool& met) {
@@ -115,10 +115,9 @@ inline Fault ReadIsShort() { return ReadEndsHalfway("ReadIsShort", TRUE); }
 
 inline Fault ReadGivesNothing() {
   return MakeFault<imports::kReadFile, decltype(ReadFile)>(
-      "ReadGivesNothing", [](auto original, HANDLE file, void* buffer, DWORD /*size*/, DWORD* count,
-                             OVERLAPPED* overlapped) {
-        return original(file, buffer, 0, count, overlapped);
-      });
+      "ReadGivesNothing",
+      [](auto original, HANDLE file, void* buffer, DWORD /*size*/, DWORD* count,
+         OVERLAPPED* overlapped) { return original(file, buffer, 0, count, overlapped); });
 }
 
 /// Writes half of what it was given, or nothing, and then returns `result`.
@@ -137,12 +136,60 @@ inline Fault WriteIsShort() { return WriteEndsEarly("WriteIsShort", true, TRUE);
 inline Fault WriteTakesNothing() { return WriteEndsEarly("WriteTakesNothing", false, TRUE); }
 
 inline Fault CloseFails() {
-  return MakeFault<imports::kCloseHandle, decltype(CloseHandle)>(
-      "CloseFails", [](auto original, HANDLE handle) {
-        original(handle);
-        SetLastError(ERROR_DISK_FULL);
-        return FALSE;
-      });
+  return MakeFault<imports::kCloseHandle, decltype(CloseHandle)>("CloseFails",
+                                                                 [](auto original, HANDLE handle) {
+                                                                   original(handle);
+                                                                   SetLastError(ERROR_DISK_FULL);
+                                                                   return FALSE;
+                                                                 });
+}
+
+inline Fault SearchEndFails() {
+  return MakeFault<imports::kFindClose, decltype(FindClose)>("SearchEndFails",
+                                                             [](auto original, HANDLE search) {
+                                                               original(search);
+                                                               return FALSE;
+                                                             });
+}
+
+inline Fault SearchFails() {
+  return MakeFault<imports::kFindFirstFile, decltype(FindFirstFileW)>(
+      "SearchFails", FailWith(INVALID_HANDLE_VALUE));
+}
+
+inline Fault SearchStops() {
+  return MakeFault<imports::kFindNextFile, decltype(FindNextFileW)>("SearchStops", FailWith(FALSE));
+}
+
+inline Fault IdentityCannotBeRead() {
+  return MakeFault<imports::kGetFileInformation, decltype(GetFileInformationByHandle)>(
+      "IdentityCannotBeRead", FailWith(FALSE));
+}
+
+inline Fault PathCannotBeCompleted() {
+  return MakeFault<imports::kGetFullPathName, decltype(GetFullPathNameW)>(
+      "PathCannotBeCompleted", FailWith(DWORD{0}, ERROR_NOT_ENOUGH_MEMORY));
+}
+
+inline Fault MoveFails() {
+  return MakeFault<imports::kMoveFile, decltype(MoveFileW)>("MoveFails", FailWith(FALSE));
+}
+
+inline Fault CopyFails() {
+  return MakeFault<imports::kCopyFile, decltype(CopyFileW)>("CopyFails", FailWith(FALSE));
+}
+
+inline Fault FolderCannotBeMade() {
+  return MakeFault<imports::kMakeFolder, decltype(_wmkdir)>("FolderCannotBeMade", FailWith(-1));
+}
+
+inline Fault FolderCannotBeRemoved() {
+  return MakeFault<imports::kRemoveFolder, decltype(RemoveDirectoryW)>("FolderCannotBeRemoved",
+                                                                       FailWith(FALSE));
+}
+
+inline Fault TimeCannotBeRead() {
+  return MakeFault<imports::kStat, decltype(_wstat64)>("TimeCannotBeRead", FailWith(-1));
 }
 
 inline Fault DeleteFails() {
