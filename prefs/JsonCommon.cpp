@@ -51,6 +51,18 @@ bool LoadFile(const vemora_ustring& path, LevelMaps& levels, EShareLevel first, 
   return true;
 }
 
+/// One category of all levels.
+LevelMaps CopyCategory(const LevelMaps& levels, const vemora_ustring& category) {
+  LevelMaps copies;
+  for (std::size_t level = 0; level < levels.size(); ++level) {
+    const auto found = levels[level].find(category);
+    if (found != levels[level].end()) {
+      copies[level].insert(*found);
+    }
+  }
+  return copies;
+}
+
 void SaveFile(const vemora_ustring& path, const LevelMaps& levels, EShareLevel first,
               EShareLevel last) {
   const std::string text = WriteLevels(levels, first, last);
@@ -199,9 +211,20 @@ bool JsonCommon::WriteBinary(const vemora_ustring& /*category*/, const vemora_us
 }
 
 void JsonCommon::LoadPreferences() {
-  LoadLevelData();
-  LoadSharedPreferences();
-  LoadPrivatePreferences();
+  LevelMaps old_levels = levels;
+  CategoryMap<PrefsData> old_level_data = levelData;
+  const bool was_dirty = dirty;
+  try {
+    LoadLevelData();
+    LoadSharedPreferences();
+    LoadPrivatePreferences();
+  } catch (...) {
+    // Out of memory. What one file holds, or half of one, is not to be saved over the other.
+    levels.swap(old_levels);
+    levelData.swap(old_level_data);
+    dirty = was_dirty;
+    throw;
+  }
 }
 
 void JsonCommon::SavePreferences() {
@@ -229,14 +252,26 @@ bool JsonCommon::ReadDictionary(const vemora_ustring& name, Dictionary& out) {
 
 bool JsonCommon::WriteDictionary(const vemora_ustring& name, const Dictionary& in) {
   const vemora_ustring category = DictionaryCategory(name);
-  DeleteCategory(category);
+  LevelMaps old_entries = CopyCategory(levels, category);
+  const bool was_dirty = dirty;
   bool all_stored = true;
-  for (const auto& [key, value] : in.values) {
-    if (CanBeStored(value)) {
-      WriteValueToMaps(category, key, value);
-    } else {
-      all_stored = false;
+  try {
+    DeleteCategory(category);
+    for (const auto& [key, value] : in.values) {
+      if (CanBeStored(value)) {
+        WriteValueToMaps(category, key, value);
+      } else {
+        all_stored = false;
+      }
     }
+  } catch (...) {
+    // Out of memory, which putting the old entries back does not take.
+    for (std::size_t level = 0; level < levels.size(); ++level) {
+      levels[level].erase(category);
+      levels[level].merge(old_entries[level]);
+    }
+    dirty = was_dirty;
+    throw;
   }
   return all_stored;
 }
