@@ -62,6 +62,10 @@ auto FailWith(Result result, DWORD error = ERROR_ACCESS_DENIED) {
 }
 
 namespace imports {
+inline constexpr char kCreateKey[] = "RegCreateKeyExW";
+inline constexpr char kOpenKey[] = "RegOpenKeyExW";
+inline constexpr char kQueryValue[] = "RegQueryValueExW";
+inline constexpr char kSetValue[] = "RegSetValueExW";
 inline constexpr char kCloseHandle[] = "CloseHandle";
 inline constexpr char kCopyFile[] = "CopyFileW";
 inline constexpr char kCreateFile[] = "CreateFileW";
@@ -82,7 +86,7 @@ inline constexpr char kStat[] = "_wstat64";
 inline constexpr char kWriteFile[] = "WriteFile";
 }  // namespace imports
 
-/// The faults of the file system that the library may meet. What closes a handle closes it even
+/// What the library may meet. What closes a handle closes it even
 /// when it reports an error.
 namespace faults {
 
@@ -190,6 +194,26 @@ inline Fault FolderCannotBeRemoved() {
 
 inline Fault TimeCannotBeRead() {
   return MakeFault<imports::kStat, decltype(_wstat64)>("TimeCannotBeRead", FailWith(-1));
+}
+
+inline Fault KeyCannotBeOpened() {
+  return MakeFault<imports::kOpenKey, decltype(RegOpenKeyExW)>(
+      "KeyCannotBeOpened", FailWith(LSTATUS{ERROR_ACCESS_DENIED}));
+}
+
+inline Fault KeyCannotBeCreated() {
+  return MakeFault<imports::kCreateKey, decltype(RegCreateKeyExW)>(
+      "KeyCannotBeCreated", FailWith(LSTATUS{ERROR_ACCESS_DENIED}));
+}
+
+inline Fault ValueCannotBeRead() {
+  return MakeFault<imports::kQueryValue, decltype(RegQueryValueExW)>(
+      "ValueCannotBeRead", FailWith(LSTATUS{ERROR_ACCESS_DENIED}));
+}
+
+inline Fault ValueCannotBeSet() {
+  return MakeFault<imports::kSetValue, decltype(RegSetValueExW)>(
+      "ValueCannotBeSet", FailWith(LSTATUS{ERROR_ACCESS_DENIED}));
 }
 
 inline Fault DeleteFails() {
