@@ -81,7 +81,7 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
                    const std::string& value) override;
 
   /// Reads the shared file, then the private one. Levels that a file does not provide stay as they
-  /// were, so loading other files keeps what these lack.
+  /// were, so loading other files keeps what these lack. Running out of memory changes nothing.
   void LoadPreferences() override;
 
   /// Rewrites both files, whether or not anything changed.

@@ -27,18 +27,24 @@ void Destroy() {
 }
 
 void SetPath(const vemora_ustring& path) {
-  use_json = false;
   PreferencesRegistry::SetPath(path);
+  use_json = false;
 }
 
 void SetPaths(const vemora_ustring& privatePath, const vemora_ustring& sharedPath,
               const vemora_ustring& /*unused*/) {
-  use_json = true;
   PreferencesJson& store = PreferencesJson::Get();
   if (privatePath != store.GetPrivatePath() || sharedPath != store.GetSharedPath()) {
     store.SetPaths(privatePath, sharedPath);
-    store.LoadPreferences();
+    try {
+      store.LoadPreferences();
+    } catch (...) {
+      // Files that were not loaded are not to be overwritten, and the next call is to load them.
+      store.SetPaths({}, {});
+      throw;
+    }
   }
+  use_json = true;
 }
 
 void SetSavePrefsFlag(bool save, bool deleteFiles) {

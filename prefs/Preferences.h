@@ -34,6 +34,8 @@ COMMONPREFERENCES_API void SetPath(const vemora_ustring& path);
 /// Chooses the JSON back end and its files: the private one, which stays on this computer, and the
 /// shared one. When a path differs from the one in use, both files are loaded; what a new file does
 /// not provide stays as it was in memory. The third argument is accepted and ignored.
+/// @throws std::bad_alloc when there is not enough memory to load both; the store then has no files
+///         until the next call
 COMMONPREFERENCES_API void SetPaths(const vemora_ustring& privatePath,
                                     const vemora_ustring& sharedPath, const vemora_ustring& unused);
 

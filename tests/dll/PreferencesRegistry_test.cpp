@@ -11,6 +11,7 @@
 #include "prefs/Preferences.h"
 #include "registry_key.h"
 #include "support.h"
+#include "utils/Registry.h"
 
 namespace vemora::prefs {
 namespace {
@@ -164,6 +165,37 @@ TEST_F(PreferencesRegistryTest, TheCacheTellsSpellingsApartThatTheRegistryDoesNo
   preferences.WriteInt("Category", "KEY", 2);
   EXPECT_EQ(key_.Dword("Category", "key"), 2U);
   EXPECT_EQ(preferences.ReadInt("Category", "key", 0), 1);
+}
+
+TEST_F(PreferencesRegistryTest, ACategoryThatAnotherProgramDeletedIsMadeAgainByAWrite) {
+  IPreferences& preferences = Choose();
+  preferences.WriteInt("Category", "key", 1);
+  utils::Registry::DeleteKey(utils::Registry::kCurrentUser, key_.path(), "Category");
+  EXPECT_FALSE(preferences.CategoryExists("Category"));
+  EXPECT_EQ(preferences.ReadBool("Category", "other", true), true);
+  EXPECT_TRUE(preferences.WriteInt("Category", "other", 2));
+  EXPECT_EQ(key_.Dword("Category", "other"), 2U);
+  EXPECT_EQ(key_.Dword("Category", "key"), std::nullopt);
+}
+
+TEST_F(PreferencesRegistryTest, TenThousandCategoriesAreKeptApart) {
+  constexpr int kCount = 10'000;
+  IPreferences& preferences = ChooseDeferred();
+  const auto category = [](int number) {
+    return vemora_ustring(("Category " + std::to_string(number)).c_str());
+  };
+  for (int number = 0; number < kCount; ++number) {
+    preferences.WriteInt(category(number), "key", number);
+  }
+  preferences.SavePreferences();
+  int kept = 0;
+  for (int number = 0; number < kCount; ++number) {
+    kept += preferences.ReadInt(category(number), "key", -1) == number &&
+                    key_.Dword(category(number), "key") == static_cast<std::uint32_t>(number)
+                ? 1
+                : 0;
+  }
+  EXPECT_EQ(kept, kCount);
 }
 
 TEST_F(PreferencesRegistryTest, EveryPreferenceIsOfThisComputer) {

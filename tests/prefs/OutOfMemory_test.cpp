@@ -8,6 +8,7 @@
 
 #include "failing_allocator.h"
 #include "prefs/JsonCommon.h"
+#include "prefs/PreferencesDefaults.h"
 #include "support.h"
 #include "utils/Dictionary.h"
 #include "utils/Variant.h"
@@ -50,7 +51,22 @@ std::string Describe(JsonCommon& store) {
       description += store.ReadString(category, key, "none").ToUtf8() + ';';
     }
   }
+  Dictionary entries;
+  store.ReadDictionary("Dictionary", entries);
+  for (const auto& [name, value] : entries) {
+    description += name.ToUtf8() + '=' + value.GetString().ToUtf8() + ';';
+  }
   description += std::to_string(store.GetLevel("Preferences", "DisplayTabs"));
+  return description;
+}
+
+/// The same at each level that a file holds.
+std::string DescribeLevels(JsonCommon& store) {
+  std::string description;
+  for (const EShareLevel level : {kThisComputerOnly, kSharedForAllComputers, kWindowsOnly}) {
+    const ShareLevelOverride override(level);
+    description += Describe(store) + '|';
+  }
   return description;
 }
 
@@ -93,6 +109,13 @@ const std::vector<Operation> kOperations = {
     {"DeleteCategory", [](JsonCommon& s) { s.DeleteCategory(kOldCategory); }},
     {"SetPaths", [](JsonCommon& s) { s.SetPaths(kOldText, kNewText); }},
     {"LoadWithoutFiles", [](JsonCommon& s) { s.LoadPreferences(); }},
+    {"WriteDictionary",
+     [](JsonCommon& s) {
+       Dictionary entries;
+       entries.Set("first", kNewText);
+       entries.Set("second", kNewText);
+       s.WriteDictionary("Dictionary", entries);
+     }},
     {"Assignment",
      [](JsonCommon& s) {
        FilledStore other;
@@ -116,6 +139,37 @@ TEST(OutOfMemoryInLoad, KeepsTheClassificationOfAnEarlierLoad) {
       break;
     }
     allocations += 100;  // the table alone takes thousands
+  }
+}
+
+TEST(OutOfMemoryInLoad, KeepsWhatWasThereOrTakesBothFiles) {
+  const ScratchFolder folder;
+  JsonCommon saved;
+  saved.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
+  saved.SetSavePrefsFlag(false, false);
+  saved.WriteString(kNewCategory, kNewKey, kNewText);
+  for (const EShareLevel level : {kSharedForAllComputers, kWindowsOnly}) {
+    const ShareLevelOverride override(level);
+    saved.WriteString(kNewCategory, kNewKey, kNewText);
+  }
+  saved.SavePreferences();
+
+  FilledStore store;
+  const std::string before = DescribeLevels(store);
+  store.SetPaths(saved.GetPrivatePath(), saved.GetSharedPath());
+  const FilledStore unloaded = store;
+  store.LoadPreferences();
+  const std::string after = DescribeLevels(store);
+  // Most of the memory goes into the table of classified preferences.
+  int allocations = 0;
+  while (!Succeeds(allocations, [] { FilledStore().LoadPreferences(); })) {
+    allocations += 100;
+  }
+  allocations -= 100;
+  for (bool success = false; !success; ++allocations) {
+    store = unloaded;
+    success = Succeeds(allocations, [&store] { store.LoadPreferences(); });
+    ASSERT_EQ(DescribeLevels(store), success ? after : before) << allocations;
   }
 }
 

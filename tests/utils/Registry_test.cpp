@@ -19,6 +19,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "faults.h"
 #include "handle_count.h"
 #include "locale_support.h"
 #include "support.h"
@@ -1066,6 +1067,112 @@ TEST_F(RegistryNames, MayHaveAnyOtherUnits) {
   EXPECT_TRUE(Registry::SaveInt(kRoot, odd.path, odd.category, odd.name, 3));
   EXPECT_EQ(ReadRaw(path + L'\\' + odd.category, odd.name), DwordValue(3));
   EXPECT_EQ(Registry::LoadInt(kRoot, odd.path, odd.category, odd.name, 5), 3);
+}
+
+// --- keys without access rights, and keys that are deleted meanwhile -------------------------
+
+namespace faults = testing::faults;
+
+class RegistryRefused : public RegistryTest {
+ protected:
+  /// Refuses each call that the operation makes in turn; the operation tells whether it worked.
+  static void ExpectFailures(
+      const testing::Fault& fault, const std::function<bool()>& operation,
+      const std::function<void()>& prepare = [] {}) {
+    const std::size_t handles = testing::CountHandles();
+    bool worked = false;
+    int call = 0;
+    prepare();
+    while (testing::MeetsFault(fault, GetModuleHandleW(nullptr), call,
+                               [&] { worked = operation(); })) {
+      EXPECT_FALSE(worked) << fault.name << ", call " << call;
+      EXPECT_EQ(testing::CountHandles(), handles) << fault.name << ", call " << call;
+      ++call;
+      prepare();
+    }
+    EXPECT_GT(call, 0) << fault.name;
+    EXPECT_TRUE(worked) << fault.name;
+  }
+
+  /// A fault that is none of its own: the key is deleted just before the call.
+  template <const char* kFunction, typename Function>
+  testing::Fault DeletedBefore() const {
+    return testing::MakeFault<kFunction, Function>(
+        kFunction, [key_path = path](auto original, auto... arguments) {
+          RegDeleteTreeW(kRoot, key_path.c_str());
+          return original(arguments...);
+        });
+  }
+};
+
+TEST_F(RegistryRefused, LoadsGiveTheDefault) {
+  for (const testing::Fault& fault :
+       {faults::KeyCannotBeOpened(), faults::KeyCannotBeCreated(), faults::ValueCannotBeRead()}) {
+    Store(DwordValue(1));
+    ExpectFailures(fault, [this] { return LoadInt(-5) != -5; });
+    ExpectFailures(fault, [this] { return LoadBool(false); });
+    Store(TextValue(L"2.5"));
+    ExpectFailures(fault, [this] { return LoadDouble(kDefault) != kDefault; });
+    ExpectFailures(fault, [this] { return LoadText(L"default") != L"default"; });
+    ExpectFailures(fault, [this] { return LoadBinary("default") != "default"; });
+  }
+}
+
+TEST_F(RegistryRefused, SavesFail) {
+  for (const Kind& kind : Kinds()) {
+    for (const testing::Fault& fault : {faults::KeyCannotBeCreated(), faults::ValueCannotBeSet()}) {
+      ExpectFailures(fault, [this, &kind] { return kind.save(kRoot, address); });
+    }
+  }
+}
+
+TEST_F(RegistryRefused, NothingExists) {
+  Store(DwordValue(1));
+  const testing::Fault no_key = faults::KeyCannotBeOpened();
+  ExpectFailures(no_key, [this] { return Registry::PathExists(kRoot, path); });
+  ExpectFailures(no_key, [this] { return Registry::KeyExists(kRoot, path, kCategory); });
+  for (const testing::Fault& fault : {no_key, faults::ValueCannotBeRead()}) {
+    ExpectFailures(fault, [this] { return Registry::ValueExists(kRoot, path, kCategory, kName); });
+  }
+}
+
+TEST_F(RegistryRefused, NothingIsDeleted) {
+  const auto is_stored = [this] { EXPECT_EQ(Stored(), DwordValue(1)); };
+  Store(DwordValue(1));
+  ExpectFailures(
+      faults::KeyCannotBeOpened(),
+      [this] { return Registry::DeleteValue(kRoot, path, kCategory, kName); }, is_stored);
+  EXPECT_EQ(Stored(), std::nullopt);
+  Store(DwordValue(1));
+  ExpectFailures(
+      faults::KeyCannotBeOpened(), [this] { return Registry::DeleteKey(kRoot, path, kCategory); },
+      is_stored);
+  EXPECT_EQ(OpenRaw(category_path), nullptr);
+}
+
+TEST_F(RegistryRefused, LoadsGiveTheDefaultWhenTheKeyIsDeletedBeforeTheValueIsRead) {
+  const testing::Fault deleted =
+      DeletedBefore<testing::imports::kQueryValue, decltype(RegQueryValueExW)>();
+  const auto store = [this] { Store(DwordValue(1)); };
+  ExpectFailures(
+      deleted, [this] { return LoadInt(-5) != -5; }, store);
+  ExpectFailures(
+      deleted, [this] { return LoadBinary("default") != "default"; }, store);
+}
+
+TEST_F(RegistryRefused, SavesFailWhenTheKeyIsDeletedBeforeTheValueIsWritten) {
+  for (const Kind& kind : Kinds()) {
+    ExpectFailures(DeletedBefore<testing::imports::kSetValue, decltype(RegSetValueExW)>(),
+                   [this, &kind] { return kind.save(kRoot, address); });
+  }
+}
+
+TEST_F(RegistryRefused, SavesMakeAKeyAgainThatWasDeletedSinceTheLastCall) {
+  for (const Kind& kind : Kinds()) {
+    EXPECT_TRUE(kind.save(kRoot, address)) << kind.name;
+    RegDeleteTreeW(kRoot, path.c_str());
+    EXPECT_TRUE(kind.load_gives_default(kRoot, address)) << kind.name;
+  }
 }
 
 // --- keys and handles -----------------------------------------------------------------------
