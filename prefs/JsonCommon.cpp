@@ -13,7 +13,6 @@
 #include "prefs/JsonText.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/PreferencesJson.h"
-#include "prefs/ShareLevelTable.h"
 #include "utils/Files.h"
 
 namespace vemora::prefs {
@@ -73,29 +72,20 @@ void TakeLevels(std::optional<LoadedLevels> loaded, LevelMaps& levels) noexcept 
   }
 }
 
-/// The built-in classification, as whole numbers.
-PreferenceMap MakeClassification() {
-  PreferenceMap classification;
-  std::string_view category;
-  for (const ShareLevelRow& row : ShareLevelRows()) {
-    if (row.category != category) {
-      category = row.category;
-      classification.OpenCategory(category);
-    }
-    // Preferences of other platforms stay unclassified here and so take the default level.
-    if (row.level <= kWindowsOnly) {
-      classification.SetInOpenCategory(row.key, static_cast<int>(row.level));
-    }
-  }
-  return classification;
-}
+/// A level that can hold preferences.
+EShareLevel Usable(EShareLevel level) { return IsLevel(level) ? level : kThisComputerOnly; }
 
 /// Stores a value, unless the overwrite flag is false and there is one already; false then.
-bool StoreIn(PreferenceMap& level, const FoldedPair& pair, const PreferenceValue& value) {
-  if (!GetDefaultOverwriteFlag() && level.Find(pair) != nullptr) {
+bool StoreIn(PreferenceMap& level, Preference* found, const FoldedPair& pair,
+             const PreferenceValue& value) {
+  if (found == nullptr) {
+    level.Add(pair, value);
+    return true;
+  }
+  if (!GetDefaultOverwriteFlag()) {
     return false;
   }
-  level.Set(pair, value);
+  level.Assign(*found, value);
   return true;
 }
 
@@ -131,7 +121,7 @@ JsonCommon::JsonCommon(const JsonCommon& other) = default;
 JsonCommon& JsonCommon::operator=(const JsonCommon& other) {
   // Copied first, so that running out of memory loses nothing of what is here.
   LevelMaps new_levels = other.levels;
-  PreferenceMap new_level_data = other.levelData;
+  Classification new_level_data = other.levelData;
   vemora_ustring new_shared_path = other.sharedPath;
   vemora_ustring new_private_path = other.privatePath;
 
@@ -186,7 +176,7 @@ void JsonCommon::DeletePreference(const vemora_ustring& category, const vemora_u
 }
 
 EShareLevel JsonCommon::GetLevel(const vemora_ustring& category, const vemora_ustring& key) {
-  return ClassifiedLevel({category, key});
+  return levelData.Find({category, key}).value_or(Usable(GetDefaultShareLevel()));
 }
 
 bool JsonCommon::IsLevelEmpty(EShareLevel level) const {
@@ -259,10 +249,10 @@ bool JsonCommon::WriteBinary(const vemora_ustring& /*category*/, const vemora_us
 void JsonCommon::LoadPreferences() {
   // Running out of memory is over before anything changes: what one file holds, or half a
   // classification, is not to be saved over the other file.
-  PreferenceMap classification = MakeClassification();
+  Classification classification = Classification::MakeBuiltIn();
   std::optional<LoadedLevels> shared = LoadSharedFile(sharedPath);
   std::optional<LoadedLevels> own = LoadPrivateFile(privatePath);
-  levelData = std::move(classification);
+  SetClassification(std::move(classification));
   // A store without its shared file writes one when it goes, even if nothing changed.
   dirty = !shared.has_value();
   TakeLevels(std::move(shared), levels);
@@ -300,7 +290,8 @@ bool JsonCommon::WriteDictionary(const vemora_ustring& name, const Dictionary& i
     if (CanBeStored(value)) {
       const FoldedPair pair(category, key);
       std::string text;
-      StoreIn(entries[LevelOf(pair)], pair, ToPreferenceValue(value, text));
+      PreferenceMap& level = entries[LevelOf(pair)];
+      StoreIn(level, level.Find(pair), pair, ToPreferenceValue(value, text));
     } else {
       all_stored = false;
     }
@@ -340,9 +331,8 @@ void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
 
 Variant JsonCommon::GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key) {
   const FoldedPair pair(category, key);
-  const PreferenceMap& level = levels[LevelOf(pair)];
-  const Preference* const found = level.Find(pair);
-  return found != nullptr ? level.GetValue(*found) : Variant();
+  const Place place = Locate(pair);
+  return place.preference != nullptr ? place.level.GetValue(*place.preference) : Variant();
 }
 
 void JsonCommon::WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
@@ -354,12 +344,16 @@ void JsonCommon::WriteValueToMaps(const vemora_ustring& category, const vemora_u
 bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring& key,
                            const PrefsData& data) {
   const FoldedPair pair(category, key);
-  const bool added = levelData.Find(pair) == nullptr;
-  levelData.Set(pair, static_cast<int>(data.level));
-  return added;
+  const std::optional<EShareLevel> known = levelData.Find(pair);
+  levelData.Set(pair, data.level);
+  Preference* const displaced = known.has_value() ? levels[Usable(*known)].Find(pair) : nullptr;
+  if (displaced != nullptr) {
+    displaced->SetAtHome(false);
+  }
+  return !known.has_value();
 }
 
-void JsonCommon::LoadLevelData() { levelData = MakeClassification(); }
+void JsonCommon::LoadLevelData() { SetClassification(Classification::MakeBuiltIn()); }
 
 void JsonCommon::LoadSharedPreferences() {
   std::optional<LoadedLevels> shared = LoadSharedFile(sharedPath);
@@ -384,29 +378,40 @@ bool JsonCommon::ClassifiesByTable() const {
   return typeid(*this) == typeid(PreferencesJson) || typeid(*this) == typeid(JsonCommon);
 }
 
-EShareLevel JsonCommon::ClassifiedLevel(const FoldedPair& pair) const {
-  const Preference* const found = levelData.Find(pair);
-  if (found != nullptr) {
-    return static_cast<EShareLevel>(*found->GetInt());
+void JsonCommon::SetClassification(Classification&& classification) noexcept {
+  levelData = std::move(classification);
+  for (PreferenceMap& level : levels) {
+    level.ForgetHomes();
   }
-  const EShareLevel level = GetDefaultShareLevel();
-  return IsLevel(level) ? level : kThisComputerOnly;
 }
 
 EShareLevel JsonCommon::LevelOf(const FoldedPair& pair) {
-  if (ClassifiesByTable()) {
-    return ClassifiedLevel(pair);
-  }
-  const EShareLevel level = GetLevel(pair.category_name, pair.key_name);
-  return IsLevel(level) ? level : kThisComputerOnly;
+  return Usable(ClassifiesByTable() ? levelData.Find(pair).value_or(GetDefaultShareLevel())
+                                    : GetLevel(pair.category_name, pair.key_name));
 }
 
-const Preference* JsonCommon::FindPreference(const FoldedPair& pair) {
-  return levels[LevelOf(pair)].Find(pair);
+JsonCommon::Place JsonCommon::Locate(const FoldedPair& pair) {
+  std::optional<EShareLevel> guess;
+  if (ClassifiesByTable()) {
+    guess = levelData.Guess(pair.hash);
+    PreferenceMap& level = levels[Usable(guess.value_or(GetDefaultShareLevel()))];
+    Preference* const found = level.Find(pair);
+    if (!guess.has_value() || (found != nullptr && found->IsAtHome())) {
+      return {level, found};
+    }
+  }
+  const EShareLevel exact = LevelOf(pair);
+  Preference* const found = levels[exact].Find(pair);
+  // The next time, the guess need not be looked into.
+  if (found != nullptr && guess == exact) {
+    found->SetAtHome(true);
+  }
+  return {levels[exact], found};
 }
 
 void JsonCommon::Store(const FoldedPair& pair, const PreferenceValue& value) {
-  if (StoreIn(levels[LevelOf(pair)], pair, value)) {
+  const Place place = Locate(pair);
+  if (StoreIn(place.level, place.preference, pair, value)) {
     dirty = true;
   }
 }

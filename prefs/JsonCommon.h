@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 
+#include "prefs/Classification.h"
 #include "prefs/IPreferences.h"
 #include "prefs/PreferenceMap.h"
 #include "prefs/ShareLevel.h"
@@ -137,14 +138,21 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   void SavePrivatePreferences();
 
  private:
+  /// A preference and the map that holds it.
+  struct Place {
+    PreferenceMap& level;
+    Preference* preference;  // null when there is none
+  };
+
+  void SetClassification(Classification&& classification) noexcept;
   bool ClassifiesByTable() const;
-  EShareLevel ClassifiedLevel(const FoldedPair& pair) const;
   EShareLevel LevelOf(const FoldedPair& pair);
-  const Preference* FindPreference(const FoldedPair& pair);
+  Place Locate(const FoldedPair& pair);
+  const Preference* FindPreference(const FoldedPair& pair) { return Locate(pair).preference; }
   void Store(const FoldedPair& pair, const PreferenceValue& value);
 
   LevelMaps levels;
-  PreferenceMap levelData;  // levels as whole numbers
+  Classification levelData;
   bool dirty = false;
   bool deleteFilesOnExit = false;
   bool savePrefs = true;

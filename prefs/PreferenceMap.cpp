@@ -22,13 +22,28 @@ namespace {
 
 constexpr std::uint32_t kNone = SlotTable::kNone;
 
+std::uint32_t CheckedLength(std::string_view name) {
+  if (name.size() > PreferenceMap::kLongestName) {
+    throw std::length_error("a name of 128 MiB in the preferences");
+  }
+  return static_cast<std::uint32_t>(name.size());
+}
+
 /// A name in the arena, with zeros behind it up to a multiple of eight bytes.
 constexpr std::size_t PaddedSize(std::size_t length) { return (length + 7) / 8 * 8; }
 
-void CopyPadded(char* target, std::string_view name) {
+/// What lies behind a preference or a category: the name and, if it is not ASCII, how it folds.
+std::size_t TailSize(std::string_view name, const FoldedName& folded) {
+  return PaddedSize(name.size()) + (IsAsciiText(name) ? 0 : folded.ImageSize());
+}
+
+void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
   if (!name.empty()) {
-    std::memset(target + PaddedSize(name.size()) - 8, 0, 8);
-    std::memcpy(target, name.data(), name.size());
+    std::memset(tail + PaddedSize(name.size()) - 8, 0, 8);
+    std::memcpy(tail, name.data(), name.size());
+  }
+  if (!IsAsciiText(name)) {
+    folded.WriteImage(tail + PaddedSize(name.size()));
   }
 }
 
@@ -58,11 +73,6 @@ void Shift(std::uint32_t& ref, Arena::Ref shift) {
   }
 }
 
-bool IsSameName(const char* stored, std::size_t length, bool ascii, const FoldedName& name) {
-  return ascii ? name.EqualsPaddedAscii(stored, length)
-               : name == FoldedName(std::string_view(stored, length));
-}
-
 }  // namespace
 
 std::string_view Preference::Name() const {
@@ -78,15 +88,17 @@ std::string_view Preference::GetText() const {
 /// the arena until so much of it is waste that the whole is copied.
 class PreferenceMap::Tables {
  public:
+  /// A category in the arena, with its name behind it.
   struct CategoryEntry {
-    const char* name;
-    std::uint32_t length;
+    std::uint64_t hash;
     std::uint32_t count;  // of its preferences
     std::uint32_t first;
     std::uint32_t last;
-    std::uint64_t hash;
-    bool ascii;
-    bool erased;
+    std::uint32_t length : 27;
+    std::uint32_t ascii : 1;
+    std::uint32_t erased : 1;
+
+    std::string_view Name() const { return {reinterpret_cast<const char*>(this + 1), length}; }
   };
 
   Tables() = default;
@@ -95,23 +107,27 @@ class PreferenceMap::Tables {
   ~Tables() = default;
 
   Preference& At(std::uint32_t ref) const { return *static_cast<Preference*>(arena_.At(ref)); }
-  const std::vector<CategoryEntry>& Categories() const { return categories_; }
+  CategoryEntry& CategoryAt(std::uint32_t ref) const {
+    return *static_cast<CategoryEntry*>(arena_.At(ref));
+  }
+  const std::vector<std::uint32_t>& Categories() const { return categories_; }
   bool Empty() const { return live_categories_ == 0; }
   bool IsWasteful() const;
-  std::size_t MemoryUsed() const {
-    return arena_.Used() + categories_.size() * sizeof(CategoryEntry);
-  }
+  std::size_t MemoryUsed() const { return arena_.Used(); }
 
   std::uint32_t FindCategory(const FoldedName& name) const;
   std::uint32_t FindPreference(const FoldedPair& pair) const;
 
-  void Set(const FoldedPair& pair, const PreferenceValue& value);
+  void Add(const FoldedPair& pair, const PreferenceValue& value);
+  void Assign(Preference& preference, const PreferenceValue& value);
   void Erase(std::uint32_t ref) noexcept;
-  void EraseCategory(std::uint32_t index) noexcept;
+  void EraseCategory(std::uint32_t ref) noexcept;
+
+  void ForgetHomes() noexcept;
 
   void OpenCategory(std::string_view name);
-  void EmptyOpenCategory() { EmptyCategory(categories_[open_category_]); }
-  void SetInOpenCategory(std::string_view key, const PreferenceValue& value);
+  void EmptyOpenCategory() { EmptyCategory(CategoryAt(open_category_)); }
+  std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
 
   void ReserveFor(const Tables& other);
   void Adopt(Tables&& other);
@@ -133,25 +149,52 @@ class PreferenceMap::Tables {
   };
 
   static char* BytesOf(TextHeader* text) { return reinterpret_cast<char*>(text + 1); }
-  bool IsCategory(std::uint32_t index, const FoldedName& name) const;
-  static bool IsKey(const Preference& preference, const FoldedName& name);
+
+  static bool IsSameName(const CategoryEntry& category, const FoldedName& name) {
+    return IsSame(category.Name(), category.ascii != 0, name);
+  }
+  static bool IsSameName(const Preference& preference, const FoldedName& name) {
+    return IsSame(preference.Name(), preference.ascii_ != 0, name);
+  }
+  static bool IsSame(std::string_view stored, bool ascii, const FoldedName& name) {
+    return ascii ? name.EqualsPaddedAscii(stored.data(), stored.size())
+                 : name.EqualsImage(stored.data() + PaddedSize(stored.size()));
+  }
 
   Content MakeContent(const PreferenceValue& value);
   TextHeader* NewText(std::string_view text);
   PreferenceValue ValueOf(const Preference& preference) const;
 
-  void Assign(Preference& preference, const PreferenceValue& value);
   void DropValue(Preference& preference) noexcept;
-  void Append(std::uint32_t category, std::uint32_t hash, std::string_view key,
-              const PreferenceValue& value);
-  std::uint32_t AddCategory(std::string_view name, std::uint64_t hash);
+
+  /// With what lies behind them.
+  template <typename Entry>
+  static std::size_t SizeWithTail(const Entry& entry, std::string_view name, bool ascii) {
+    const std::size_t size = sizeof(entry) + PaddedSize(name.size());
+    return ascii ? size : size + FoldedName::ImageSize(name.data() + PaddedSize(name.size()));
+  }
+  static std::size_t SizeOf(const Preference& preference) {
+    return SizeWithTail(preference, preference.Name(), preference.ascii_ != 0);
+  }
+  static std::size_t SizeOf(const CategoryEntry& category) {
+    return SizeWithTail(category, category.Name(), category.ascii != 0);
+  }
+  void Append(std::uint32_t category, std::uint32_t hash, const FoldedName& folded,
+              std::string_view key, const PreferenceValue& value);
+  void Link(std::uint32_t ref, std::uint32_t category) noexcept;
+  std::uint32_t AddCategory(std::string_view name, const FoldedName& folded);
+  std::uint32_t CopyCategory(const CategoryEntry& other);
+  void CopyPreference(std::uint32_t category, const Preference& other,
+                      const PreferenceValue& value);
+  void ReserveForCategory();
+  void LinkCategory(std::uint32_t ref) noexcept;
   void EmptyCategory(CategoryEntry& category) noexcept;
   void MarkErased(Preference& preference) noexcept;
 
   Arena arena_;
   SlotTable preference_slots_;
   SlotTable category_slots_;
-  std::vector<CategoryEntry> categories_;
+  std::vector<std::uint32_t> categories_;  // in the order in which they were made
   std::vector<Variant> others_;
   std::size_t live_categories_ = 0;
   std::size_t wasted_ = 0;  // bytes
@@ -161,15 +204,16 @@ class PreferenceMap::Tables {
 /// Leaves out what is waste.
 PreferenceMap::Tables::Tables(const Tables& other) {
   preference_slots_.Reserve(other.preference_slots_.Count());
-  for (const CategoryEntry& category : other.categories_) {
-    if (category.erased) {
+  for (const std::uint32_t other_category : other.categories_) {
+    const CategoryEntry& category = other.CategoryAt(other_category);
+    if (category.erased != 0) {
       continue;
     }
-    const std::uint32_t index = AddCategory({category.name, category.length}, category.hash);
+    const std::uint32_t copy = CopyCategory(category);
     for (std::uint32_t ref = category.first; ref != kNone; ref = other.At(ref).next_) {
       const Preference& preference = other.At(ref);
       if (preference.kind_ != Kind::kErased) {
-        Append(index, preference.hash_, preference.Name(), other.ValueOf(preference));
+        CopyPreference(copy, preference, other.ValueOf(preference));
       }
     }
   }
@@ -182,32 +226,28 @@ bool PreferenceMap::Tables::IsWasteful() const {
 }
 
 std::uint32_t PreferenceMap::Tables::FindCategory(const FoldedName& name) const {
-  return category_slots_.Find(static_cast<std::uint32_t>(name.Hash()),
-                              [&](std::uint32_t index) { return IsCategory(index, name); });
+  return category_slots_.Find(HashOfCategory(name.Hash()),
+                              [&](std::uint32_t ref) { return IsSameName(CategoryAt(ref), name); });
 }
 
 std::uint32_t PreferenceMap::Tables::FindPreference(const FoldedPair& pair) const {
   return preference_slots_.Find(pair.hash, [&](std::uint32_t ref) {
     const Preference& preference = At(ref);
-    return IsKey(preference, pair.key) && IsCategory(preference.category_, pair.category);
+    return IsSameName(preference, pair.key) &&
+           IsSameName(CategoryAt(preference.category_), pair.category);
   });
 }
 
-void PreferenceMap::Tables::Set(const FoldedPair& pair, const PreferenceValue& value) {
-  const std::uint32_t found = FindPreference(pair);
-  if (found != kNone) {
-    Assign(At(found), value);
-    return;
-  }
+void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& value) {
   const std::string key = pair.key_name.ToUtf8();
   std::uint32_t category = FindCategory(pair.category);
   if (category != kNone) {
-    Append(category, pair.hash, key, value);
+    Append(category, pair.hash, pair.key, key, value);
     return;
   }
-  category = AddCategory(pair.category_name.ToUtf8(), pair.category.Hash());
+  category = AddCategory(pair.category_name.ToUtf8(), pair.category);
   try {
-    Append(category, pair.hash, key, value);
+    Append(category, pair.hash, pair.key, key, value);
   } catch (...) {
     EraseCategory(category);
     throw;
@@ -218,39 +258,49 @@ void PreferenceMap::Tables::Erase(std::uint32_t ref) noexcept {
   Preference& preference = At(ref);
   preference_slots_.Remove(preference.hash_, ref);
   MarkErased(preference);
-  if (--categories_[preference.category_].count == 0) {
+  if (--CategoryAt(preference.category_).count == 0) {
     EraseCategory(preference.category_);
   }
 }
 
-void PreferenceMap::Tables::EraseCategory(std::uint32_t index) noexcept {
-  CategoryEntry& category = categories_[index];
+void PreferenceMap::Tables::EraseCategory(std::uint32_t ref) noexcept {
+  CategoryEntry& category = CategoryAt(ref);
   EmptyCategory(category);
-  category_slots_.Remove(static_cast<std::uint32_t>(category.hash), index);
-  category.erased = true;
-  wasted_ += sizeof(CategoryEntry) + PaddedSize(category.length);
+  category_slots_.Remove(HashOfCategory(category.hash), ref);
+  category.erased = 1;
+  wasted_ += SizeOf(category);
   --live_categories_;
+}
+
+void PreferenceMap::Tables::ForgetHomes() noexcept {
+  for (const std::uint32_t category : categories_) {
+    for (std::uint32_t ref = CategoryAt(category).first; ref != kNone; ref = At(ref).next_) {
+      At(ref).at_home_ = 0;
+    }
+  }
 }
 
 void PreferenceMap::Tables::OpenCategory(std::string_view name) {
   const FoldedName folded(name);
   open_category_ = FindCategory(folded);
   if (open_category_ == kNone) {
-    open_category_ = AddCategory(name, folded.Hash());
+    open_category_ = AddCategory(name, folded);
   }
 }
 
-void PreferenceMap::Tables::SetInOpenCategory(std::string_view key, const PreferenceValue& value) {
+std::uint32_t PreferenceMap::Tables::SetInOpenCategory(std::string_view key,
+                                                       const PreferenceValue& value) {
   const FoldedName folded(key);
-  const std::uint32_t hash = CombineHashes(categories_[open_category_].hash, folded.Hash());
+  const std::uint32_t hash = HashOfPair(CategoryAt(open_category_).hash, folded.Hash());
   const std::uint32_t found = preference_slots_.Find(hash, [&](std::uint32_t ref) {
-    return At(ref).category_ == open_category_ && IsKey(At(ref), folded);
+    return At(ref).category_ == open_category_ && IsSameName(At(ref), folded);
   });
   if (found != kNone) {
     Assign(At(found), value);
   } else {
-    Append(open_category_, hash, key, value);
+    Append(open_category_, hash, folded, key, value);
   }
+  return hash;
 }
 
 void PreferenceMap::Tables::ReserveFor(const Tables& other) {
@@ -263,23 +313,23 @@ void PreferenceMap::Tables::ReserveFor(const Tables& other) {
 
 void PreferenceMap::Tables::Adopt(Tables&& other) {
   ReserveFor(other);
-  const auto first_category = static_cast<std::uint32_t>(categories_.size());
   const std::size_t first_other = others_.size();
   const Arena::Ref shift = arena_.Adopt(std::move(other.arena_));
   std::move(other.others_.begin(), other.others_.end(), std::back_inserter(others_));
-  for (CategoryEntry category : other.categories_) {
-    const auto index = static_cast<std::uint32_t>(categories_.size());
+  for (const std::uint32_t other_ref : other.categories_) {
+    const std::uint32_t category_ref = other_ref + shift;
+    CategoryEntry& category = CategoryAt(category_ref);
     Shift(category.first, shift);
     Shift(category.last, shift);
-    categories_.push_back(category);
-    if (category.erased) {
+    categories_.push_back(category_ref);
+    if (category.erased != 0) {
       continue;
     }
-    category_slots_.Add(static_cast<std::uint32_t>(category.hash), index);
+    category_slots_.Add(HashOfCategory(category.hash), category_ref);
     for (std::uint32_t ref = category.first; ref != kNone; ref = At(ref).next_) {
       Preference& preference = At(ref);
       Shift(preference.next_, shift);
-      preference.category_ += first_category;
+      preference.category_ = category_ref;
       if (preference.kind_ == Kind::kOther) {
         preference.value_.other += first_other;
       }
@@ -294,24 +344,14 @@ void PreferenceMap::Tables::Adopt(Tables&& other) {
 
 std::vector<const Preference*> PreferenceMap::Tables::GetPreferences(std::uint32_t category) const {
   std::vector<const Preference*> preferences;
-  preferences.reserve(categories_[category].count);
-  for (std::uint32_t ref = categories_[category].first; ref != kNone; ref = At(ref).next_) {
+  preferences.reserve(CategoryAt(category).count);
+  for (std::uint32_t ref = CategoryAt(category).first; ref != kNone; ref = At(ref).next_) {
     if (At(ref).kind_ != Kind::kErased) {
       preferences.push_back(&At(ref));
     }
   }
   SortByName(preferences, [](const Preference* preference) { return preference->Name(); });
   return preferences;
-}
-
-bool PreferenceMap::Tables::IsCategory(std::uint32_t index, const FoldedName& name) const {
-  const CategoryEntry& category = categories_[index];
-  return IsSameName(category.name, category.length, category.ascii, name);
-}
-
-bool PreferenceMap::Tables::IsKey(const Preference& preference, const FoldedName& name) {
-  const std::string_view key = preference.Name();
-  return IsSameName(key.data(), key.size(), preference.ascii_ != 0, name);
 }
 
 /// Takes what it needs from the arena; the preferences do not change yet.
@@ -378,45 +418,83 @@ void PreferenceMap::Tables::Assign(Preference& preference, const PreferenceValue
 }
 
 /// Adds a preference that the category lacks.
-void PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t hash, std::string_view key,
+void PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t hash,
+                                   const FoldedName& folded, std::string_view key,
                                    const PreferenceValue& value) {
-  if (key.size() > kLongestName) {
-    throw std::length_error("a preference with a name of 256 MiB");
-  }
+  const std::uint32_t length = CheckedLength(key);
   preference_slots_.Reserve(1);
-  const std::uint32_t ref = arena_.Allocate(sizeof(Preference) + PaddedSize(key.size()));
+  const std::uint32_t ref = arena_.Allocate(sizeof(Preference) + TailSize(key, folded));
   const Content content = MakeContent(value);
-
   auto* const preference = new (arena_.At(ref)) Preference;
   preference->value_ = content.value;
-  preference->category_ = category;
-  preference->next_ = kNone;
   preference->hash_ = hash;
-  preference->length_ = static_cast<std::uint32_t>(key.size()) & kLongestName;
+  preference->length_ = length & kLongestName;
   preference->ascii_ = IsAsciiText(key) ? 1 : 0;
+  preference->at_home_ = 0;
   preference->kind_ = content.kind;
-  CopyPadded(reinterpret_cast<char*>(preference + 1), key);
+  WriteTail(reinterpret_cast<char*>(preference + 1), key, folded);
+  Link(ref, category);
+}
 
-  CategoryEntry& entry = categories_[category];
+void PreferenceMap::Tables::CopyPreference(std::uint32_t category, const Preference& other,
+                                           const PreferenceValue& value) {
+  const std::size_t size = SizeOf(other);
+  const std::uint32_t ref = arena_.Allocate(size);
+  const Content content = MakeContent(value);
+  std::memcpy(arena_.At(ref), &other, size);
+  At(ref).value_ = content.value;
+  Link(ref, category);
+}
+
+/// Puts a preference into its category; there is room for it in the table.
+void PreferenceMap::Tables::Link(std::uint32_t ref, std::uint32_t category) noexcept {
+  Preference& preference = At(ref);
+  preference.category_ = category;
+  preference.next_ = kNone;
+  CategoryEntry& entry = CategoryAt(category);
   (entry.first == kNone ? entry.first : At(entry.last).next_) = ref;
   entry.last = ref;
   ++entry.count;
-  preference_slots_.Add(hash, ref);
+  preference_slots_.Add(preference.hash_, ref);
 }
 
-std::uint32_t PreferenceMap::Tables::AddCategory(std::string_view name, std::uint64_t hash) {
-  if (name.size() > kLongestName) {
-    throw std::length_error("a category with a name of 256 MiB");
-  }
+std::uint32_t PreferenceMap::Tables::AddCategory(std::string_view name, const FoldedName& folded) {
+  const std::uint32_t length = CheckedLength(name);
+  ReserveForCategory();
+  const std::uint32_t ref = arena_.Allocate(sizeof(CategoryEntry) + TailSize(name, folded));
+  auto* const category = new (arena_.At(ref)) CategoryEntry;
+  category->hash = folded.Hash();
+  category->length = length & kLongestName;
+  category->ascii = IsAsciiText(name) ? 1 : 0;
+  WriteTail(reinterpret_cast<char*>(category + 1), name, folded);
+  LinkCategory(ref);
+  return ref;
+}
+
+std::uint32_t PreferenceMap::Tables::CopyCategory(const CategoryEntry& other) {
+  const std::size_t size = SizeOf(other);
+  ReserveForCategory();
+  const std::uint32_t ref = arena_.Allocate(size);
+  std::memcpy(arena_.At(ref), &other, size);
+  LinkCategory(ref);
+  return ref;
+}
+
+void PreferenceMap::Tables::ReserveForCategory() {
   category_slots_.Reserve(1);
-  auto* const copy = static_cast<char*>(arena_.At(arena_.Allocate(PaddedSize(name.size()))));
-  CopyPadded(copy, name);
-  const auto index = static_cast<std::uint32_t>(categories_.size());
-  categories_.push_back({copy, static_cast<std::uint32_t>(name.size()), 0, kNone, kNone, hash,
-                         IsAsciiText(name), false});
-  category_slots_.Add(static_cast<std::uint32_t>(hash), index);
+  ReserveMore(categories_, 1);
+}
+
+/// Makes a category, which is empty, one of the map; there is room for it.
+void PreferenceMap::Tables::LinkCategory(std::uint32_t ref) noexcept {
+  CategoryEntry& category = CategoryAt(ref);
+  category.count = 0;
+  category.first = kNone;
+  category.last = kNone;
+  category.erased = 0;
+  categories_.push_back(ref);
+  category_slots_.Add(HashOfCategory(category.hash), ref);
   ++live_categories_;
-  return index;
 }
 
 void PreferenceMap::Tables::EmptyCategory(CategoryEntry& category) noexcept {
@@ -443,7 +521,7 @@ void PreferenceMap::Tables::DropValue(Preference& preference) noexcept {
 void PreferenceMap::Tables::MarkErased(Preference& preference) noexcept {
   DropValue(preference);
   preference.kind_ = Kind::kErased;
-  wasted_ += sizeof(Preference) + PaddedSize(preference.length_);
+  wasted_ += SizeOf(preference);
 }
 
 PreferenceMap::PreferenceMap() noexcept = default;
@@ -486,8 +564,25 @@ Variant PreferenceMap::GetValue(const Preference& preference) const {
   }
 }
 
-void PreferenceMap::Set(const FoldedPair& pair, const PreferenceValue& value) {
-  MakeTables().Set(pair, value);
+Preference* PreferenceMap::Find(const FoldedPair& pair) {
+  const std::uint32_t found = tables_ != nullptr ? tables_->FindPreference(pair) : kNone;
+  return found != kNone ? &tables_->At(found) : nullptr;
+}
+
+void PreferenceMap::Add(const FoldedPair& pair, const PreferenceValue& value) {
+  DropWaste();
+  MakeTables().Add(pair, value);
+}
+
+void PreferenceMap::Assign(Preference& preference, const PreferenceValue& value) {
+  tables_->Assign(preference, value);
+  DropWaste();
+}
+
+void PreferenceMap::ForgetHomes() {
+  if (tables_ != nullptr) {
+    tables_->ForgetHomes();
+  }
 }
 
 bool PreferenceMap::Erase(const FoldedPair& pair) {
@@ -527,8 +622,8 @@ void PreferenceMap::OpenCategory(std::string_view name) { MakeTables().OpenCateg
 
 void PreferenceMap::EmptyOpenCategory() { tables_->EmptyOpenCategory(); }
 
-void PreferenceMap::SetInOpenCategory(std::string_view key, const PreferenceValue& value) {
-  tables_->SetInOpenCategory(key, value);
+std::uint32_t PreferenceMap::SetInOpenCategory(std::string_view key, const PreferenceValue& value) {
+  return tables_->SetInOpenCategory(key, value);
 }
 
 std::size_t PreferenceMap::MemoryUsed() const {
@@ -540,11 +635,10 @@ std::vector<PreferenceMap::Category> PreferenceMap::GetCategories() const {
   if (tables_ == nullptr) {
     return categories;
   }
-  const std::vector<Tables::CategoryEntry>& entries = tables_->Categories();
-  categories.reserve(entries.size());
-  for (std::uint32_t index = 0; index < entries.size(); ++index) {
-    if (!entries[index].erased) {
-      categories.push_back({{entries[index].name, entries[index].length}, index});
+  for (const std::uint32_t ref : tables_->Categories()) {
+    const Tables::CategoryEntry& category = tables_->CategoryAt(ref);
+    if (category.erased == 0) {
+      categories.push_back({category.Name(), ref});
     }
   }
   SortByName(categories, [](const Category& category) { return category.name; });
@@ -552,7 +646,7 @@ std::vector<PreferenceMap::Category> PreferenceMap::GetCategories() const {
 }
 
 std::vector<const Preference*> PreferenceMap::GetPreferences(const Category& category) const {
-  return tables_->GetPreferences(category.index);
+  return tables_->GetPreferences(category.ref);
 }
 
 std::vector<const Preference*> PreferenceMap::GetPreferences(const FoldedName& category) const {
@@ -560,14 +654,22 @@ std::vector<const Preference*> PreferenceMap::GetPreferences(const FoldedName& c
   return found != kNone ? tables_->GetPreferences(found) : std::vector<const Preference*>();
 }
 
-/// The tables to be written to, without too much waste.
 PreferenceMap::Tables& PreferenceMap::MakeTables() {
   if (tables_ == nullptr) {
     tables_ = std::make_unique<Tables>();
-  } else if (tables_->IsWasteful()) {
-    tables_ = std::make_unique<Tables>(*tables_);
   }
   return *tables_;
+}
+
+/// Copies what is not waste, if there is much waste; out of memory, another time will do.
+void PreferenceMap::DropWaste() noexcept {
+  if (tables_ == nullptr || !tables_->IsWasteful()) {
+    return;
+  }
+  try {
+    tables_ = std::make_unique<Tables>(*tables_);
+  } catch (const std::bad_alloc&) {
+  }
 }
 
 }  // namespace vemora::prefs

@@ -32,6 +32,12 @@ class Preference {
   const double* GetDouble() const { return kind_ == kDouble ? &value_.real : nullptr; }
   /// @}
 
+  /// A note of whoever finds preferences: that this one lies at the level where its names belong.
+  /// @{
+  bool IsAtHome() const { return at_home_ != 0; }
+  void SetAtHome(bool atHome) { at_home_ = atHome ? 1 : 0; }
+  /// @}
+
   bool IsText() const { return kind_ == kText; }
   /// UTF-8.
   std::string_view GetText() const;
@@ -56,11 +62,12 @@ class Preference {
   };
 
   Value value_;
-  std::uint32_t category_;  // index
-  std::uint32_t next_;      // of the same category
+  std::uint32_t category_;
+  std::uint32_t next_;  // of the same category
   std::uint32_t hash_;
-  std::uint32_t length_ : 28;  // of the name
+  std::uint32_t length_ : 27;  // of the name
   std::uint32_t ascii_ : 1;    // whether the name is
+  std::uint32_t at_home_ : 1;
   Kind kind_ : 3;
 };
 
@@ -68,17 +75,17 @@ class Preference {
 /// spelling of its first writer. One hash of both names finds a preference; the names are put in
 /// order when somebody walks through them.
 ///
-/// Out of memory (std::bad_alloc), an operation changes nothing. Names of 256 MiB and more are
+/// Out of memory (std::bad_alloc), an operation changes nothing. Names of 128 MiB and more are
 /// refused (std::length_error).
 class PreferenceMap {
  public:
   /// In bytes.
-  static constexpr std::uint32_t kLongestName = (1U << 28) - 1;
+  static constexpr std::uint32_t kLongestName = (1U << 27) - 1;
 
   /// A category, for walking through the map.
   struct Category {
     std::string_view name;
-    std::uint32_t index;
+    std::uint32_t ref;
   };
 
   PreferenceMap() noexcept;
@@ -94,11 +101,18 @@ class PreferenceMap {
 
   /// Null when there is none. Valid until the map changes.
   const Preference* Find(const FoldedPair& pair) const;
+  Preference* Find(const FoldedPair& pair);
 
   utils::Variant GetValue(const Preference& preference) const;
 
-  /// Adds a preference or replaces its value.
-  void Set(const FoldedPair& pair, const PreferenceValue& value);
+  /// Adds a preference that is not there.
+  void Add(const FoldedPair& pair, const PreferenceValue& value);
+
+  /// Replaces the value of a preference of this map.
+  void Assign(Preference& preference, const PreferenceValue& value);
+
+  /// Calls `SetAtHome(false)` for all.
+  void ForgetHomes();
 
   /// Removes a preference, and its category with the last one; false when there was none.
   bool Erase(const FoldedPair& pair);
@@ -118,7 +132,8 @@ class PreferenceMap {
   /// @{
   void OpenCategory(std::string_view name);
   void EmptyOpenCategory();
-  void SetInOpenCategory(std::string_view key, const PreferenceValue& value);
+  /// @return the hash of the pair
+  std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
   /// @}
 
   /// Bytes of memory for what is stored, which is about as much as it takes in a file.
@@ -135,6 +150,7 @@ class PreferenceMap {
   class Tables;
 
   Tables& MakeTables();
+  void DropWaste() noexcept;
 
   std::unique_ptr<Tables> tables_;  // none as long as the map was never written to
 };

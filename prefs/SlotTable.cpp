@@ -35,7 +35,7 @@ void SlotTable::Add(std::uint32_t hash, std::uint32_t number) noexcept {
 
 void SlotTable::Remove(std::uint32_t hash, std::uint32_t number) noexcept {
   std::size_t hole = hash & mask_;
-  while (slots_[hole].number != number) {
+  while (slots_[hole].hash != hash || slots_[hole].number != number) {
     hole = (hole + 1) & mask_;
   }
   // Moves up what could no longer be found behind the hole.

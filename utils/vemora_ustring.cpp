@@ -50,6 +50,19 @@ void AppendCodePoint(std::basic_string<CodeUnit>& text, char32_t point) {
   text.push_back(static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF)));
 }
 
+/// Widens ASCII, which no locale changes; false, with `wide` of no use, for other text.
+bool AssignAscii(std::basic_string<CodeUnit>& wide, const char* text, std::size_t length) {
+  wide.resize(length);
+  unsigned seen = 0;
+  CodeUnit* const units = wide.data();
+  for (std::size_t index = 0; index < length; ++index) {
+    const auto unit = static_cast<unsigned char>(text[index]);
+    units[index] = unit;
+    seen |= unit;
+  }
+  return seen < 0x80;
+}
+
 /// Number of leading bytes that the current locale can convert.
 std::size_t ConvertibleLength(const char* text) {
   const std::size_t length = std::strlen(text);
@@ -202,23 +215,20 @@ vemora_ustring& vemora_ustring::operator=(const CodeUnit* text) {
 }
 
 vemora_ustring::vemora_ustring(const char* text) {
-  if (text == nullptr) {
-    return;
+  if (text != nullptr && !AssignAscii(*this, text, std::strlen(text))) {
+    *this = FromWide(WideFromMultibyte(text));
   }
-  const std::size_t length = std::strlen(text);
-  *this = CountAscii(text, length) == length ? Base(text, text + length)
-                                             : Base(FromWide(WideFromMultibyte(text)));
 }
 
 vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vemora_ustring(text); }
 
 vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
-  std::size_t index = CountAscii(utf8.data(), utf8.size());
-  vemora_ustring text(Base(utf8.data(), utf8.data() + index));
-  if (index < utf8.size()) {
-    text.reserve(utf8.size());
+  vemora_ustring text;
+  if (AssignAscii(text, utf8.data(), utf8.size())) {
+    return text;
   }
-  while (index < utf8.size()) {
+  text.clear();
+  for (std::size_t index = 0; index < utf8.size();) {
     AppendCodePoint(text, DecodeUtf8(utf8, index));
   }
   return text;
