@@ -1,0 +1,79 @@
+#include "files.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+
+#include "prefs/JsonCommon.h"
+#include "prefs/PreferencesDefaults.h"
+#include "stores.h"
+
+namespace vemora::bench {
+namespace {
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
+
+UniqueFile OpenFile(const std::string& path, const char* mode) {
+  UniqueFile file(std::fopen(path.c_str(), mode));
+  if (file == nullptr) {
+    throw std::runtime_error("cannot open " + path);
+  }
+  return file;
+}
+
+StoreFiles WriteStoreFiles(Size size) {
+  StoreFiles files = {GetFile(size, "private.json"), GetFile(size, "shared.json")};
+  std::filesystem::remove(files.private_file);
+  std::filesystem::remove(files.shared_file);
+  prefs::JsonCommon store;
+  store.SetPaths(ToText(files.private_file), ToText(files.shared_file));
+  store.LoadPreferences();
+  for (const Preference& preference : GetPreferences(size)) {
+    const prefs::ShareLevelOverride guard(preference.level);
+    WriteValue(store, ToText(preference.category), ToText(preference.key), preference.value);
+  }
+  store.SavePreferences();
+  return files;
+}
+
+}  // namespace
+
+std::string GetFile(Size size, const std::string& name) {
+  const std::filesystem::path folder = std::filesystem::path(BENCH_WORK_FOLDER) / GetName(size);
+  std::filesystem::create_directories(folder);
+  return (folder / name).u8string();
+}
+
+const StoreFiles& GetStoreFiles(Size size) {
+  static std::map<Size, StoreFiles> written;
+  const auto found = written.find(size);
+  return found != written.end() ? found->second
+                                : written.emplace(size, WriteStoreFiles(size)).first->second;
+}
+
+std::unique_ptr<char[]> ReadFile(const std::string& path, std::size_t* size) {
+  const UniqueFile file = OpenFile(path, "rb");
+  const auto length = static_cast<std::size_t>(std::filesystem::file_size(path));
+  std::unique_ptr<char[]> buffer(new char[length + 1]);
+  if (std::fread(buffer.get(), 1, length, file.get()) != length) {
+    throw std::runtime_error("cannot read " + path);
+  }
+  buffer[length] = '\0';
+  if (size != nullptr) {
+    *size = length;
+  }
+  return buffer;
+}
+
+void WriteFile(const std::string& path, const char* data, std::size_t size) {
+  const UniqueFile file = OpenFile(path, "wb");
+  if (std::fwrite(data, 1, size, file.get()) != size) {
+    throw std::runtime_error("cannot write " + path);
+  }
+}
+
+}  // namespace vemora::bench
