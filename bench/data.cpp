@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "prefs/PreferencesDefaults.h"
+
 namespace vemora::bench {
 namespace {
 
@@ -79,6 +81,10 @@ class Generator {
     while (text.size() > length && (text.back() & 0x80) == 0) {
       text.pop_back();
     }
+    // Some libraries strip blanks.
+    if (text.back() == ' ') {
+      text.back() = '.';
+    }
     return text;
   }
 
@@ -134,9 +140,20 @@ Preferences MakePreferences(Size size) {
   return preferences;
 }
 
-bool Is(Kind kind, const Value& value) {
-  return kind == Kind::kInt ? std::holds_alternative<int>(value)
-                            : std::holds_alternative<std::string>(value);
+bool IsAscii(const std::string& text) {
+  return std::all_of(text.begin(), text.end(), [](char unit) { return (unit & 0x80) == 0; });
+}
+
+bool Is(Kind kind, const Preference& preference) {
+  switch (kind) {
+    case Kind::kInt:
+      return std::holds_alternative<int>(preference.value);
+    case Kind::kAsciiInt:
+      return Is(Kind::kInt, preference) && IsAscii(preference.category) && IsAscii(preference.key);
+    case Kind::kText:
+      return std::holds_alternative<std::string>(preference.value);
+  }
+  return false;
 }
 
 void Shuffle(Sequence& sequence) {
@@ -158,6 +175,17 @@ Preferences MakeAbsent(Size size) {
   return absent;
 }
 
+struct Writer {
+  void operator()(bool truth) const { store.WriteBool(category, key, truth); }
+  void operator()(int number) const { store.WriteInt(category, key, number); }
+  void operator()(double number) const { store.WriteDouble(category, key, number); }
+  void operator()(const std::string& text) const { store.WriteString(category, key, ToText(text)); }
+
+  prefs::IPreferences& store;
+  const vemora_ustring category;
+  const vemora_ustring key;
+};
+
 }  // namespace
 
 const char* GetName(Size size) {
@@ -167,30 +195,45 @@ const char* GetName(Size size) {
 
 const Preferences& GetPreferences(Size size) {
   static std::map<Size, Preferences> made;
-  const auto found = made.find(size);
-  return found != made.end() ? found->second
-                             : made.emplace(size, MakePreferences(size)).first->second;
+  Preferences& preferences = made[size];
+  if (preferences.empty()) {
+    preferences = MakePreferences(size);
+  }
+  return preferences;
 }
 
 Sequence GetSequence(Size size, Kind kind, bool classified) {
   Sequence sequence;
   for (const Preference& preference : GetPreferences(size)) {
-    if (preference.classified == classified && Is(kind, preference.value)) {
+    if (preference.classified == classified && Is(kind, preference)) {
       sequence.push_back(&preference);
     }
   }
   Shuffle(sequence);
   sequence.resize(std::min(sequence.size(), kMaxSequence));
-  std::stable_sort(
-      sequence.begin(), sequence.end(),
-      [](const Preference* left, const Preference* right) { return left->level < right->level; });
   return sequence;
 }
 
-const Preferences& GetAbsent(Size size) {
+void WriteAll(const Preferences& preferences, prefs::IPreferences& store) {
+  for (const Preference& preference : preferences) {
+    const prefs::ShareLevelOverride guard(preference.level);
+    std::visit(Writer{store, ToText(preference.category), ToText(preference.key)},
+               preference.value);
+  }
+}
+
+Sequence GetAbsent(Size size) {
   static std::map<Size, Preferences> made;
-  const auto found = made.find(size);
-  return found != made.end() ? found->second : made.emplace(size, MakeAbsent(size)).first->second;
+  Preferences& absent = made[size];
+  if (absent.empty()) {
+    absent = MakeAbsent(size);
+  }
+  Sequence sequence;
+  for (const Preference& preference : absent) {
+    sequence.push_back(&preference);
+  }
+  Shuffle(sequence);
+  return sequence;
 }
 
 }  // namespace vemora::bench

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "prefs/IPreferences.h"
 #include "prefs/ShareLevel.h"
 #include "utils/vemora_ustring.h"
 
@@ -39,16 +40,20 @@ const char* GetName(Size size);
 /// S is the classified preferences; M and L are these and more of a host's own.
 const Preferences& GetPreferences(Size size);
 
-/// Preferences of one kind in a random order, those of one level side by side.
+/// Preferences in a random order.
 using Sequence = std::vector<const Preference*>;
 
-enum class Kind { kInt, kText };
+enum class Kind { kInt, kAsciiInt, kText };
 
-/// The classified ones for S; of M and L their own ones or, on demand, the classified ones.
+/// The classified preferences of that kind, or those that are not; of very many a part. An ASCII
+/// one has a name that a program can spell in a narrow literal.
 Sequence GetSequence(Size size, Kind kind, bool classified);
 
 /// Names that nothing is stored under: half of them in a known category.
-const Preferences& GetAbsent(Size size);
+Sequence GetAbsent(Size size);
+
+/// Writes them as a host does, each while its level is the default.
+void WriteAll(const Preferences& preferences, prefs::IPreferences& store);
 
 inline vemora_ustring ToText(const std::string& utf8) { return vemora_ustring::FromUtf8(utf8); }
 

@@ -2,12 +2,10 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <map>
+#include <set>
 #include <stdexcept>
 
 #include "prefs/JsonCommon.h"
-#include "prefs/PreferencesDefaults.h"
-#include "stores.h"
 
 namespace vemora::bench {
 namespace {
@@ -25,21 +23,6 @@ UniqueFile OpenFile(const std::string& path, const char* mode) {
   return file;
 }
 
-StoreFiles WriteStoreFiles(Size size) {
-  StoreFiles files = {GetFile(size, "private.json"), GetFile(size, "shared.json")};
-  std::filesystem::remove(files.private_file);
-  std::filesystem::remove(files.shared_file);
-  prefs::JsonCommon store;
-  store.SetPaths(ToText(files.private_file), ToText(files.shared_file));
-  store.LoadPreferences();
-  for (const Preference& preference : GetPreferences(size)) {
-    const prefs::ShareLevelOverride guard(preference.level);
-    WriteValue(store, ToText(preference.category), ToText(preference.key), preference.value);
-  }
-  store.SavePreferences();
-  return files;
-}
-
 }  // namespace
 
 std::string GetFile(Size size, const std::string& name) {
@@ -48,11 +31,22 @@ std::string GetFile(Size size, const std::string& name) {
   return (folder / name).u8string();
 }
 
-const StoreFiles& GetStoreFiles(Size size) {
-  static std::map<Size, StoreFiles> written;
-  const auto found = written.find(size);
-  return found != written.end() ? found->second
-                                : written.emplace(size, WriteStoreFiles(size)).first->second;
+StoreFiles::StoreFiles(Size size)
+    : private_file(GetFile(size, "private.json")), shared_file(GetFile(size, "shared.json")) {}
+
+void StoreFiles::Write(Size size) {
+  static std::set<Size> written;
+  if (!written.insert(size).second) {
+    return;
+  }
+  const StoreFiles files(size);
+  std::filesystem::remove(files.private_file);
+  std::filesystem::remove(files.shared_file);
+  prefs::JsonCommon store;
+  store.SetPaths(ToText(files.private_file), ToText(files.shared_file));
+  store.LoadPreferences();
+  WriteAll(GetPreferences(size), store);
+  store.SavePreferences();
 }
 
 std::unique_ptr<char[]> ReadFile(const std::string& path, std::size_t* size) {
