@@ -1,6 +1,8 @@
 /// @file
 #pragma once
 
+// Its own headers use what it calls deprecated, and says so.
+#define BOOST_BIND_GLOBAL_PLACEHOLDERS
 #include <boost/property_tree/json_parser.hpp>
 #include <boost/property_tree/ptree.hpp>
 #include <fstream>
