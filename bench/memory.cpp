@@ -1,0 +1,92 @@
+// Tells how much memory a store takes: bench_memory STORE SIZE loads what bench_store has written
+// for that size, and prints the bytes held afterwards and the most held meanwhile.
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+#include "data.h"
+#include "stores/all.h"
+
+#ifdef _WIN32
+#include <windows.h>
+
+#include <psapi.h>
+#endif
+
+namespace vemora::bench {
+namespace {
+
+/// Bytes of this process in memory.
+struct Resident {
+  std::size_t now = 0;
+  std::size_t peak = 0;
+};
+
+#ifdef _WIN32
+Resident GetResident() {
+  PROCESS_MEMORY_COUNTERS counters = {};
+  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof(counters));
+  return {counters.WorkingSetSize, counters.PeakWorkingSetSize};
+}
+#else
+Resident GetResident() {
+  Resident resident;
+  std::ifstream status("/proc/self/status");
+  for (std::string field; status >> field;) {
+    if (field == "VmRSS:") {
+      status >> resident.now;
+    } else if (field == "VmHWM:") {
+      status >> resident.peak;
+    }
+  }
+  return {resident.now * 1024, resident.peak * 1024};
+}
+#endif
+
+template <typename Store>
+void Measure(Size size) {
+  Store store(size);
+  const Resident before = GetResident();
+  store.Load();
+  const Resident after = GetResident();
+  std::printf("%zu %zu\n", after.now - before.now, after.peak - before.now);
+}
+
+template <typename... Stores>
+void Measure(StoreList<Stores...> /*stores*/, const char* name, Size size) {
+  const bool found =
+      ((std::strcmp(name, Stores::kName) == 0 ? (Measure<Stores>(size), true) : false) || ...);
+  if (!found) {
+    throw std::invalid_argument(std::string("there is no store ") + name);
+  }
+}
+
+Size ToSize(const char* name) {
+  for (const Size size : kSizes) {
+    if (std::strcmp(name, GetName(size)) == 0) {
+      return size;
+    }
+  }
+  throw std::invalid_argument(std::string("there is no size ") + name);
+}
+
+}  // namespace
+}  // namespace vemora::bench
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::fputs("usage: bench_memory STORE SIZE\n", stderr);
+    return 2;
+  }
+  try {
+    vemora::bench::Measure(vemora::bench::AllStores(), argv[1], vemora::bench::ToSize(argv[2]));
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "bench_memory: %s\n", failure.what());
+    return 1;
+  }
+  return 0;
+}

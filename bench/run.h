@@ -1,0 +1,92 @@
+/// @file
+/// How an operation is measured: for many names in a random order.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "data.h"
+#include "prefs/PreferencesDefaults.h"
+
+namespace vemora::bench {
+
+/// Names that are used while one level is the default.
+template <typename Name>
+struct Part {
+  EShareLevel level;
+  std::vector<Name> names;
+};
+
+/// Never empty.
+template <typename Name>
+using Parts = std::vector<Part<Name>>;
+
+/// The names of a sequence, by small parts, so that slow stores measure all levels too.
+template <typename Make>
+auto MakeParts(const Sequence& sequence, Make make) {
+  using Name = std::decay_t<decltype(make(*sequence.front()))>;
+  constexpr std::size_t kPartSize = 250;
+  Parts<Name> parts;
+  std::map<EShareLevel, Part<Name>> unfinished;
+  for (const Preference* preference : sequence) {
+    Part<Name>& part = unfinished[preference->level];
+    part.level = preference->level;
+    part.names.push_back(make(*preference));
+    if (part.names.size() == kPartSize) {
+      parts.push_back(std::exchange(part, {}));
+    }
+  }
+  for (auto& [level, part] : unfinished) {
+    if (!part.names.empty()) {
+      parts.push_back(std::move(part));
+    }
+  }
+  return parts;
+}
+
+/// Measures `operation` for each name in turn, again and again.
+template <typename Name, typename Operation>
+void Run(benchmark::State& state, const Parts<Name>& parts, Operation operation) {
+  auto part = parts.begin();
+  while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(part->names.size()))) {
+    const prefs::ShareLevelOverride guard(part->level);
+    for (const Name& name : part->names) {
+      benchmark::DoNotOptimize(operation(name));
+    }
+    if (++part == parts.end()) {
+      part = parts.begin();
+    }
+  }
+}
+
+/// A benchmark called WORKLOAD/SIZE/STORE.
+template <typename Function, typename... Arguments>
+benchmark::internal::Benchmark* Register(const std::string& workload, Size size,
+                                         const std::string& store, Function function,
+                                         Arguments... arguments) {
+  const std::string name = workload + "/" + GetName(size) + "/" + store;
+  return benchmark::RegisterBenchmark(
+      name.c_str(), [=](benchmark::State& state) { function(state, size, arguments...); });
+}
+
+/// The store of that kind and size, filled by its first user.
+template <typename Store>
+Store& GetStore(Size size) {
+  static std::map<Size, Store> stores;
+  const auto [found, made] = stores.try_emplace(size, size);
+  Store& store = found->second;
+  if (made) {
+    store.WriteFiles();
+    store.Load();
+  }
+  store.Use();
+  return store;
+}
+
+}  // namespace vemora::bench

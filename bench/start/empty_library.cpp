@@ -1,0 +1,3 @@
+#include "empty_library.h"
+
+int GetNothing() { return 0; }
