@@ -17,6 +17,11 @@ namespace {
 
 using testing::RegistryKey;
 
+// Runs first in this program, before any test sets the policy.
+TEST(PreferencesRegistryPolicy, IsImmediateAtFirst) {
+  EXPECT_TRUE(PreferencesRegistry::GetWriteImmediately());
+}
+
 /// Every test finds the process as it was at its start: no instance, immediate writes.
 class PreferencesRegistryTest : public ::testing::Test {
  protected:

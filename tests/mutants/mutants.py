@@ -10,10 +10,10 @@ they stop: below Wine, drives lead to the real disk.
 import dataclasses
 
 
-@dataclasses.dataclass
-class Unit:
+@dataclasses.dataclass(frozen=True, order=True)
+class Program:
     preset: str
-    tests: list[str]  # programs, the cheapest first
+    test: str
 
 
 @dataclasses.dataclass
@@ -26,23 +26,26 @@ class Mutant:
 
 
 def native(*tests):
-    return Unit("native", list(tests))
+    return [Program("native", test) for test in tests]
 
 
 def windows(*tests):
-    return Unit("mingw-release", list(tests))
+    return [Program("mingw-release", test) for test in tests]
 
 
 JSON = native("JsonCommon_test", "JsonFiles_test", "PreferencesMemory_test",
               "PreferencesDefaults_test")
 
+# The test programs of each file, the cheapest first.
 UNITS = {
     "prefs/JsonCommon.cpp": JSON,
     "prefs/JsonText.cpp": JSON,
-    "prefs/Preferences.cpp": native("Preferences_test"),
-    "prefs/PreferencesBase.cpp": native("PreferencesBase_test", "PreferencesRegistry_test"),
+    "prefs/Preferences.cpp": native("Preferences_test", "PreferencesRegistry_test"),
+    "prefs/PreferencesBase.cpp": native("PreferencesBase_test"),
     "prefs/PreferencesDefaults.cpp": native("PreferencesDefaults_test"),
-    "prefs/PreferencesRegistry.cpp": native("PreferencesRegistry_test", "Preferences_test"),
+    # The native registry knows no roots.
+    "prefs/PreferencesRegistry.cpp": native("PreferencesRegistry_test") +
+                                     windows("PreferencesRegistry_test"),
     "prefs/ShareLevel.cpp": native("JsonFiles_test"),
     "prefs/ShareLevelTable.cpp": native("ShareLevelTable_test"),
     "utils/Dictionary.cpp": native("Dictionary_test"),
@@ -159,9 +162,9 @@ MUTANTS = [
     Mutant("base: one value flushed of each category", "prefs/PreferencesBase.cpp",
            "      SaveValue(category, key, value);\n",
            "      SaveValue(category, key, value);\n      break;\n"),
-    Mutant("base: the default of a text lost", "prefs/PreferencesBase.cpp",
+    Mutant("base: the default of a text doubled", "prefs/PreferencesBase.cpp",
            ": LoadString(category, key, defaultValue);",
-           ": LoadString(category, key, vemora_ustring());"),
+           ": LoadString(category, key, defaultValue + defaultValue);"),
 
     # PreferencesRegistry
     Mutant("registry store: flush turned round", "prefs/PreferencesRegistry.cpp",

@@ -75,9 +75,9 @@ def test_command(preset, *tests):
             "--stop-on-failure"]
 
 
-def check_unmutated(units):
-    for preset in sorted({unit.preset for unit in units}):
-        tests = sorted({test for unit in units if unit.preset == preset for test in unit.tests})
+def check_unmutated(programs):
+    for preset in sorted({program.preset for program in programs}):
+        tests = sorted({program.test for program in programs if program.preset == preset})
         print(f"{preset}, unmutated: {' '.join(tests)}", flush=True)
         check("cmake", "--preset", preset)
         check(*build_command(preset, *tests))
@@ -99,14 +99,14 @@ def failed_tests(output):
     return "; ".join(re.findall(r"^\t\s*\d+ - (.*)$", output, re.MULTILINE)) or "failed"
 
 
-def find_catcher(unit):
+def find_catcher(programs):
     """Builds and runs one test program after the other; None when none notices."""
-    for test in unit.tests:
-        built = run(*build_command(unit.preset, test))
+    for program in programs:
+        built = run(*build_command(program.preset, program.test))
         if built.returncode != 0:
-            errors = re.findall(r"^.*error.*$", built.stdout, re.MULTILINE)
-            raise TableError(f"does not build: {errors[0] if errors else built.stdout}")
-        tested = run(*test_command(unit.preset, test))
+            error = re.search(r"error: .*", built.stdout)
+            raise TableError(f"does not build: {error[0] if error else built.stdout}")
+        tested = run(*test_command(program.preset, program.test))
         if tested.returncode != 0:
             first = re.search(r"^\[  FAILED  \] (\S+)|ERROR: (\w+Sanitizer: \S+)|runtime error: .*",
                               tested.stdout, re.MULTILINE)
@@ -152,7 +152,7 @@ def main():
     if not mutants:
         sys.exit(f"run_mutants: no mutant is called {pattern.pattern}")
     copy_sources()
-    check_unmutated([UNITS[mutant.file] for mutant in mutants])
+    check_unmutated([program for mutant in mutants for program in UNITS[mutant.file]])
     results = []
     for mutant in mutants:
         start = time.monotonic()
