@@ -268,6 +268,15 @@ TEST_F(PreferencesRegistryTest, DestroyInRegistryModeKeepsTheInstance) {
   EXPECT_EQ(PreferencesRegistry::GetPath(), key_.path());
 }
 
+TEST_F(PreferencesRegistryTest, DestroyInRegistryModeKeepsTheJsonBackEnd) {
+  SetPaths({}, {}, {});
+  Get().WriteInt("Category", "key", 1);
+  Choose();
+  Destroy();
+  SetPaths({}, {}, {});
+  EXPECT_EQ(Get().ReadInt("Category", "key", 0), 1);
+}
+
 TEST_F(PreferencesRegistryTest, EachBackEndStaysAliveWhileTheOtherIsChosen) {
   IPreferences& registry = Choose();
   SetPaths({}, {}, {});
