@@ -32,7 +32,7 @@ using utils::vemora_ustring;
 /// Stops the program, naming the law, unless the law holds.
 inline void Check(bool holds, const char* law) {
   if (!holds) {
-    std::fprintf(stderr, "broken law: %s\n", law);
+    static_cast<void>(std::fprintf(stderr, "broken law: %s\n", law));
     std::abort();
   }
 }

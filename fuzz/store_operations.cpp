@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cwctype>
+#include <deque>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "fuzz/fuzz_support.h"
@@ -298,18 +300,22 @@ class RecordingDictionary : public Dictionary {
 
 /// A guard of either kind, and the defaults that were before it.
 struct Guard {
-  std::unique_ptr<ShareLevelOverride> level;
-  std::unique_ptr<OverwriteOverride> overwrite;
+  explicit Guard(const Defaults& defaults) : before(defaults) {}
+  Guard(const Guard&) = delete;
+  Guard& operator=(const Guard&) = delete;
+
   Defaults before;
+  std::optional<ShareLevelOverride> level;
+  std::optional<OverwriteOverride> overwrite;
 };
 
 /// Two stores over the same files, their models, and what an input does to them.
 class Machine {
  public:
-  explicit Machine(Input input) : input_(input) {
+  explicit Machine(const Input& input) : input_(input) {
     OpenStore().DeletePreferences();
-    for (auto& store : stores_) {
-      store = std::make_unique<OpenStore>();
+    for (auto& each : stores_) {
+      each = std::make_unique<OpenStore>();
     }
   }
 
@@ -343,7 +349,6 @@ class Machine {
   void Step() {
     switch (input_.TakeBelow(18)) {
       case 0:
-        return Write();
       case 1:
         return Write();
       case 2:
@@ -489,7 +494,7 @@ class Machine {
       return;
     }
     const auto level = static_cast<EShareLevel>(input_.TakeBelow(10));
-    guards_.push_back({std::make_unique<ShareLevelOverride>(level), nullptr, defaults_});
+    guards_.emplace_back(defaults_).level.emplace(level);
     defaults_.level = level;
   }
 
@@ -498,7 +503,7 @@ class Machine {
       return;
     }
     const bool overwrite = input_.TakeBool();
-    guards_.push_back({nullptr, std::make_unique<OverwriteOverride>(overwrite), defaults_});
+    guards_.emplace_back(defaults_).overwrite.emplace(overwrite);
     defaults_.overwrite = overwrite;
   }
 
@@ -640,7 +645,7 @@ class Machine {
   Input input_;
   Disk disk_;
   Defaults defaults_;
-  std::vector<Guard> guards_;
+  std::deque<Guard> guards_;
   std::array<std::unique_ptr<OpenStore>, 2> stores_;
   std::array<Model, 2> models_;
   std::size_t current_ = 0;

@@ -194,7 +194,7 @@ bool Contains(const Model& model, const Model* part) {
 /// Four values and what an input does to them.
 class Machine {
  public:
-  explicit Machine(Input input) : input_(input) {}
+  explicit Machine(const Input& input) : input_(input) {}
 
   void Run() {
     while (!input_.IsEmpty()) {

@@ -18,6 +18,11 @@ namespace {
 
 using testing::RegistryKey;
 
+// Runs first in this program, before any test sets the policy.
+TEST(PreferencesRegistryPolicy, IsImmediateAtFirst) {
+  EXPECT_TRUE(PreferencesRegistry::GetWriteImmediately());
+}
+
 /// Every test finds the process as it was at its start: no instance, immediate writes.
 class PreferencesRegistryTest : public ::testing::Test {
  protected:
@@ -293,6 +298,15 @@ TEST_F(PreferencesRegistryTest, DestroyInRegistryModeKeepsTheInstance) {
   Destroy();
   EXPECT_EQ(&Get(), &preferences);
   EXPECT_EQ(PreferencesRegistry::GetPath(), key_.path());
+}
+
+TEST_F(PreferencesRegistryTest, DestroyInRegistryModeKeepsTheJsonBackEnd) {
+  SetPaths({}, {}, {});
+  Get().WriteInt("Category", "key", 1);
+  Choose();
+  Destroy();
+  SetPaths({}, {}, {});
+  EXPECT_EQ(Get().ReadInt("Category", "key", 0), 1);
 }
 
 TEST_F(PreferencesRegistryTest, EachBackEndStaysAliveWhileTheOtherIsChosen) {

@@ -62,6 +62,9 @@ struct KeyCloser {
 };
 using UniqueKey = std::unique_ptr<HKEY__, KeyCloser>;
 
+// GoogleTest would print what the pointer leads to, but a key is none.
+void PrintTo(const UniqueKey& key, std::ostream* out) { *out << key.get(); }
+
 UniqueKey OpenRaw(const vemora_ustring& key_path) {
   HKEY key = nullptr;
   RegOpenKeyExW(kRoot, key_path.c_str(), 0, KEY_ALL_ACCESS, &key);
