@@ -113,7 +113,7 @@ class PreferenceMap::Tables {
   const std::vector<std::uint32_t>& Categories() const { return categories_; }
   bool Empty() const { return live_categories_ == 0; }
   bool IsWasteful() const;
-  std::size_t MemoryUsed() const { return arena_.Used(); }
+  std::size_t MemoryUsed() const { return arena_.Used() + others_.size() * sizeof(Variant); }
 
   std::uint32_t FindCategory(const FoldedName& name) const;
   std::uint32_t FindPreference(const FoldedPair& pair) const;
@@ -222,7 +222,7 @@ PreferenceMap::Tables::Tables(const Tables& other) {
 bool PreferenceMap::Tables::IsWasteful() const {
   constexpr std::size_t kNegligible = 64 * 1024;
   constexpr std::size_t kTooMuch = 16 * 1024 * 1024;
-  return wasted_ > std::clamp(arena_.Used() / 2, kNegligible, kTooMuch);
+  return wasted_ > std::clamp(MemoryUsed() / 2, kNegligible, kTooMuch);
 }
 
 std::uint32_t PreferenceMap::Tables::FindCategory(const FoldedName& name) const {
