@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "hash_collision.h"
 #include "prefs/FoldedName.h"
 #include "support.h"
 
@@ -97,6 +98,58 @@ TEST(PreferenceMap, ReplacesATextByALongerAndByAShorterOne) {
     Set(map, "C", "k", std::string_view(text));
     EXPECT_EQ(TextOf(map, "C", "k"), text);
   }
+}
+
+TEST(PreferenceMap, ReplacesATextWithoutTouchingItsNeighbours) {
+  for (std::size_t length = 0; length < 40; ++length) {
+    PreferenceMap map;
+    Set(map, "C", "first", std::string_view("first"));
+    Set(map, "C", "k", std::string_view("short"));
+    Set(map, "C", "last", std::string_view("last"));
+    const std::string text(length, 'x');
+    Set(map, "C", "k", std::string_view(text));
+    EXPECT_EQ(TextOf(map, "C", "k"), text);
+    EXPECT_EQ(TextOf(map, "C", "first"), "first");
+    EXPECT_EQ(TextOf(map, "C", "last"), "last");
+  }
+}
+
+TEST(PreferenceMap, KeepsApartKeysWithOneHash) {
+  const vemora_ustring category = "C";
+  const auto [left, right] = testing::FindCollision(
+      [&](const vemora_ustring& name) { return FoldedPair(category, name).hash; });
+  PreferenceMap map;
+  Set(map, category, left, 1);
+  EXPECT_EQ(Find(map, category, right), nullptr);
+  Set(map, category, right, 2);
+  EXPECT_EQ(*Find(map, category, left)->GetInt(), 1);
+  EXPECT_TRUE(Erase(map, category, left));
+  EXPECT_EQ(*Find(map, category, right)->GetInt(), 2);
+}
+
+TEST(PreferenceMap, KeepsApartCategoriesWithWhichAKeyHasOneHash) {
+  const vemora_ustring key = "k";
+  const auto [left, right] = testing::FindCollision(
+      [&](const vemora_ustring& name) { return FoldedPair(name, key).hash; });
+  PreferenceMap map;
+  map.OpenCategory(left.ToUtf8());
+  map.SetInOpenCategory("k", 1);
+  EXPECT_EQ(Find(map, right, key), nullptr);
+  map.OpenCategory(right.ToUtf8());
+  map.SetInOpenCategory("k", 2);
+  EXPECT_EQ(*Find(map, left, key)->GetInt(), 1);
+  EXPECT_EQ(*Find(map, right, key)->GetInt(), 2);
+}
+
+TEST(PreferenceMap, KeepsApartCategoriesWithOneHash) {
+  const auto [left, right] = testing::FindCollision(
+      [](const vemora_ustring& name) { return HashOfCategory(FoldedName(name).Hash()); });
+  PreferenceMap map;
+  Set(map, left, "k", 1);
+  EXPECT_FALSE(map.HasCategory(FoldedName(right)));
+  Set(map, right, "k", 2);
+  EXPECT_TRUE(map.EraseCategory(FoldedName(left)));
+  EXPECT_EQ(*Find(map, right, "k")->GetInt(), 2);
 }
 
 TEST(PreferenceMap, KeepsTheFirstSpelling) {

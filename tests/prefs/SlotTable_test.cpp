@@ -58,6 +58,14 @@ TEST(SlotTable, RemovesOneOfEqualNumbersByItsHash) {
   EXPECT_EQ(table.Find(1 + 16, kAny), SlotTable::kNone);
 }
 
+TEST(SlotTable, NeverLooksWithoutEndForWhatIsNotThere) {
+  SlotTable table;
+  for (std::uint32_t hash = 0; hash < 1000; ++hash) {
+    Add(table, hash, hash);
+    ASSERT_EQ(table.Find(hash + 1, kAny), SlotTable::kNone);
+  }
+}
+
 TEST(SlotTable, KeepsItsNumbersWhenItGrows) {
   SlotTable table;
   Add(table, 7, 70);
