@@ -34,7 +34,7 @@ constexpr std::size_t PaddedSize(std::size_t length) { return (length + 7) / 8 *
 
 /// What lies behind a preference or a category: the name and, if it is not ASCII, how it folds.
 std::size_t TailSize(std::string_view name, const FoldedName& folded) {
-  return PaddedSize(name.size()) + (IsAsciiText(name) ? 0 : folded.ImageSize());
+  return PaddedSize(name.size()) + (folded.IsNameAscii() ? 0 : folded.ImageSize());
 }
 
 void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
@@ -42,7 +42,7 @@ void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
     std::memset(tail + PaddedSize(name.size()) - 8, 0, 8);
     std::memcpy(tail, name.data(), name.size());
   }
-  if (!IsAsciiText(name)) {
+  if (!folded.IsNameAscii()) {
     folded.WriteImage(tail + PaddedSize(name.size()));
   }
 }
@@ -429,7 +429,7 @@ void PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t hash,
   preference->value_ = content.value;
   preference->hash_ = hash;
   preference->length_ = length & kLongestName;
-  preference->ascii_ = IsAsciiText(key) ? 1 : 0;
+  preference->ascii_ = folded.IsNameAscii() ? 1 : 0;
   preference->at_home_ = 0;
   preference->kind_ = content.kind;
   WriteTail(reinterpret_cast<char*>(preference + 1), key, folded);
@@ -465,7 +465,7 @@ std::uint32_t PreferenceMap::Tables::AddCategory(std::string_view name, const Fo
   auto* const category = new (arena_.At(ref)) CategoryEntry;
   category->hash = folded.Hash();
   category->length = length & kLongestName;
-  category->ascii = IsAsciiText(name) ? 1 : 0;
+  category->ascii = folded.IsNameAscii() ? 1 : 0;
   WriteTail(reinterpret_cast<char*>(category + 1), name, folded);
   LinkCategory(ref);
   return ref;
