@@ -15,6 +15,16 @@ const std::uint64_t FoldedName::kSeed =
     static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) *
     0x9E3779B97F4A7C15;
 
+namespace {
+
+std::uint64_t LoadWord(const char* bytes) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof(word));
+  return word;
+}
+
+}  // namespace
+
 bool FoldedName::operator==(const FoldedName& other) const {
   return hash_ == other.hash_ && Tag() == other.Tag() &&
          std::equal(Words(), Words() + WordsFor(length_), other.Words());
@@ -85,9 +95,9 @@ bool IsAsciiText(std::string_view text) {
 int CompareNames(std::string_view left, std::string_view right) {
   const std::size_t common = std::min(left.size(), right.size());
   std::size_t index = 0;
-  constexpr std::size_t kStep = 8;
-  while (index + kStep <= common && left.compare(index, kStep, right, index, kStep) == 0) {
-    index += kStep;
+  while (index + sizeof(std::uint64_t) <= common &&
+         LoadWord(left.data() + index) == LoadWord(right.data() + index)) {
+    index += sizeof(std::uint64_t);
   }
   for (; index < common; ++index) {
     const auto a = static_cast<unsigned char>(left[index]);

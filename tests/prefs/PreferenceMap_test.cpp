@@ -134,9 +134,11 @@ TEST(PreferenceMap, KeepsApartCategoriesWithWhichAKeyHasOneHash) {
   PreferenceMap map;
   map.OpenCategory(left.ToUtf8());
   map.SetInOpenCategory("k", 1);
+  map.CloseCategories();
   EXPECT_EQ(Find(map, right, key), nullptr);
   map.OpenCategory(right.ToUtf8());
   map.SetInOpenCategory("k", 2);
+  map.CloseCategories();
   EXPECT_EQ(*Find(map, left, key)->GetInt(), 1);
   EXPECT_EQ(*Find(map, right, key)->GetInt(), 2);
 }
@@ -206,13 +208,31 @@ TEST(PreferenceMap, EmptiesAnOpenCategory) {
   map.EmptyOpenCategory();
   map.SetInOpenCategory("new", 2);
   map.SetInOpenCategory("NEW", 3);
+  map.CloseCategories();
   EXPECT_THAT(NamesOf(map), ElementsAre("C", " new"));
   EXPECT_EQ(*Find(map, "C", "new")->GetInt(), 3);
+}
+
+TEST(PreferenceMap, TakesKeysInAnyOrderAndTheLastOfEqualOnes) {
+  PreferenceMap map;
+  int value = 0;
+  for (const char* category : {"B", "A", "b"}) {
+    map.OpenCategory(category);
+    for (const char* key : {"m", "x", "X", "a", "M", "z"}) {
+      map.SetInOpenCategory(key, ++value);
+    }
+  }
+  map.CloseCategories();
+  EXPECT_THAT(NamesOf(map), ElementsAre("A", " a", " m", " x", " z", "B", " a", " m", " x", " z"));
+  EXPECT_EQ(*Find(map, "A", "x")->GetInt(), 9);
+  EXPECT_EQ(*Find(map, "B", "x")->GetInt(), 15);
+  EXPECT_EQ(*Find(map, "B", "m")->GetInt(), 17);
 }
 
 TEST(PreferenceMap, IsNotEmptyWithAnEmptyCategory) {
   PreferenceMap map;
   map.OpenCategory("");
+  map.CloseCategories();
   EXPECT_FALSE(map.Empty());
   EXPECT_THAT(NamesOf(map), ElementsAre(""));
 }
