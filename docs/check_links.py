@@ -40,7 +40,9 @@ def broken_links(folder):
             parts = urllib.parse.urlsplit(link)
             if parts.scheme or parts.netloc or parts.fragment == DOXYGENS_OWN:
                 continue
-            target = (path.parent / urllib.parse.unquote(parts.path)).resolve() if parts.path else path
+            target = path
+            if parts.path:
+                target = (path.parent / urllib.parse.unquote(parts.path)).resolve()
             place_is_missing = target in pages and parts.fragment and (
                 urllib.parse.unquote(parts.fragment) not in pages[target].places)
             if not target.exists() or place_is_missing:

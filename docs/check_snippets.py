@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
-"""Checks that the code in the pages is code of the examples.
+"""Checks that the code in pages and in the comments of headers is code that the tests compile.
 
-usage: check_snippets.py ROOT PAGE ...
+usage: check_snippets.py ROOT FILE ...
 
-Each block of C++ or JSON follows a line
+In a page, each block of C++ or JSON follows a line
 
     <!-- from examples/quickstart/main.cpp -->
 
 and its lines are consecutive lines of that file, which the tests build and run or compare with what
-is printed. The block may be indented less.
+is printed. The code in the comments of headers, indented by five blanks, is all in
+tests/docs/header_snippets.cpp. Code may be indented less than in its source.
 """
 
 import pathlib
@@ -17,8 +18,10 @@ import sys
 import textwrap
 
 BLOCK = re.compile(
-    r"^(?:<!-- from (?P<source>\S+) -->\n+)?^```(?P<language>cpp|json)\n(?P<code>.*?)^```$",
+    r"^(?:<!-- from (?P<source>\S+) -->\n+)?^```(?:cpp|json)\n(?P<code>.*?)^```$",
     re.MULTILINE | re.DOTALL)
+IN_COMMENT = re.compile(r"^ *///\n(?P<code>(?: *///     .*\n)+)", re.MULTILINE)
+SOURCE_OF_COMMENTS = "tests/docs/header_snippets.cpp"
 
 
 def contains(source, code):
@@ -32,20 +35,32 @@ def contains(source, code):
     return False
 
 
-def complaints(root, page):
-    text = page.read_text(encoding="utf-8")
-    for block in BLOCK.finditer(text):
-        place = f"{page}:{text.count(chr(10), 0, block.start('code'))}"
-        if block["source"] is None:
-            yield f"{place}: no '<!-- from FILE -->' before this block"
-        elif not contains((root / block["source"]).read_text(encoding="utf-8"), block["code"]):
-            yield f"{place}: these lines are not in {block['source']}"
+def snippets(path):
+    """Of each snippet: its code, the name of its source or None, and the line before it."""
+    text = path.read_text(encoding="utf-8")
+    in_header = path.suffix == ".h"
+    for snippet in (IN_COMMENT if in_header else BLOCK).finditer(text):
+        line = text.count("\n", 0, snippet.start("code"))
+        if in_header:
+            code = re.sub("^ *///     ", "", snippet["code"], flags=re.MULTILINE)
+            yield code, SOURCE_OF_COMMENTS, line
+        else:
+            yield snippet["code"], snippet["source"], line
+
+
+def complaints(root, path):
+    for code, source, line in snippets(path):
+        if source is None:
+            yield f"{path}:{line}: no '<!-- from FILE -->' before this block"
+        elif not contains((root / source).read_text(encoding="utf-8"), code):
+            yield f"{path}:{line}: what follows is not in {source}"
 
 
 def main():
-    root, *pages = map(pathlib.Path, sys.argv[1:])
-    found = [complaint for page in pages for complaint in complaints(root, page)]
-    print("\n".join(found))
+    root, *paths = map(pathlib.Path, sys.argv[1:])
+    found = [complaint for path in paths for complaint in complaints(root, path)]
+    for complaint in found:
+        print(complaint)
     return len(found) != 0
 
 
