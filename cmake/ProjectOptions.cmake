@@ -4,46 +4,46 @@
 set(COMMONPREFERENCES_SANITIZE "" CACHE STRING
   "Empty, 'full' (address and undefined behaviour), 'fuzz' (the same for libFuzzer) or 'trap' (undefined behaviour stops the program)")
 
-add_library(project_options INTERFACE)
+add_library(CommonPreferencesOptions INTERFACE)
 
 if(MSVC)
-  target_compile_options(project_options INTERFACE /W4 /permissive- /utf-8)
+  target_compile_options(CommonPreferencesOptions INTERFACE /W4 /permissive- /utf-8)
   # Standard functions such as mbstowcs, for which it would have its own.
-  target_compile_definitions(project_options INTERFACE _CRT_SECURE_NO_WARNINGS)
+  target_compile_definitions(CommonPreferencesOptions INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
-  target_compile_options(project_options INTERFACE
+  target_compile_options(CommonPreferencesOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 endif()
 
 if(WIN32)
-  target_compile_definitions(project_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+  target_compile_definitions(CommonPreferencesOptions INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
 endif()
 
 if(MINGW)
   # The compiler's runtime is linked in, so that the DLL needs system DLLs only.
-  target_link_options(project_options INTERFACE -static)
+  target_link_options(CommonPreferencesOptions INTERFACE -static)
 endif()
 
 # The checks of the standard library, where it is GCC's.
-target_compile_definitions(project_options INTERFACE
+target_compile_definitions(CommonPreferencesOptions INTERFACE
   $<$<AND:$<CONFIG:Debug>,$<NOT:$<BOOL:${MSVC}>>>:_GLIBCXX_ASSERTIONS>)
 
 if(COMMONPREFERENCES_SANITIZE MATCHES "^(full|fuzz)$")
   set(sanitizer_flags -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_compile_options(project_options INTERFACE ${sanitizer_flags} -O1)
-  target_link_options(project_options INTERFACE ${sanitizer_flags})
+  target_compile_options(CommonPreferencesOptions INTERFACE ${sanitizer_flags} -O1)
+  target_link_options(CommonPreferencesOptions INTERFACE ${sanitizer_flags})
   if(COMMONPREFERENCES_SANITIZE STREQUAL "fuzz")
-    target_compile_options(project_options INTERFACE
+    target_compile_options(CommonPreferencesOptions INTERFACE
       -fsanitize=fuzzer-no-link
       -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/sanitizer-ignore.txt)
   endif()
 elseif(COMMONPREFERENCES_SANITIZE STREQUAL "trap")
-  target_compile_options(project_options INTERFACE
+  target_compile_options(CommonPreferencesOptions INTERFACE
     -fsanitize=undefined -fsanitize-undefined-trap-on-error)
 endif()
 
 option(COMMONPREFERENCES_COVERAGE "Count which lines and branches the tests reach" OFF)
 if(COMMONPREFERENCES_COVERAGE)
-  target_compile_options(project_options INTERFACE --coverage -O0)
-  target_link_options(project_options INTERFACE --coverage)
+  target_compile_options(CommonPreferencesOptions INTERFACE --coverage -O0)
+  target_link_options(CommonPreferencesOptions INTERFACE --coverage)
 endif()

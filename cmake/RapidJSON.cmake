@@ -13,5 +13,5 @@ file(MAKE_DIRECTORY ${rapidjson_folder})
 file(CREATE_LINK ${RAPIDJSON_INCLUDE_DIR}/rapidjson ${rapidjson_folder}/rapidjson
   COPY_ON_ERROR SYMBOLIC)
 
-add_library(RapidJSON INTERFACE)
-target_include_directories(RapidJSON SYSTEM INTERFACE ${rapidjson_folder})
+add_library(CommonPreferencesRapidJSON INTERFACE)
+target_include_directories(CommonPreferencesRapidJSON SYSTEM INTERFACE ${rapidjson_folder})

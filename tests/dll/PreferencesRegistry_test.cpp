@@ -94,17 +94,6 @@ TEST_F(PreferencesRegistryTest, ReadsWhatAnotherProgramStored) {
   EXPECT_EQ(preferences.ReadString("Category", "string", {}), vemora_ustring("text"));
 }
 
-TEST_F(PreferencesRegistryTest, ReadsOfAbsentValuesReturnTheDefault) {
-  IPreferences& preferences = Choose();
-  EXPECT_EQ(preferences.ReadInt("Category", "key", 3), 3);
-  EXPECT_TRUE(preferences.ReadBool("Category", "key", true));
-  EXPECT_EQ(preferences.ReadDouble("Category", "key", 1.5), 1.5);
-  EXPECT_EQ(preferences.ReadString("Category", "key", "none"), vemora_ustring("none"));
-  EXPECT_EQ(preferences.ReadString("Category", "key", {}), vemora_ustring(""));
-  EXPECT_EQ(preferences.ReadBinary("Category", "key", "none"), "none");
-  EXPECT_EQ(preferences.ReadBinary("Category", "key", {}), "");
-}
-
 TEST_F(PreferencesRegistryTest, IsPreferenceSetAsksTheRegistry) {
   IPreferences& preferences = Choose();
   EXPECT_FALSE(preferences.IsPreferenceSet("Category", "key"));
@@ -207,13 +196,6 @@ TEST_F(PreferencesRegistryTest, EveryPreferenceIsOfThisComputer) {
   IPreferences& preferences = Choose();
   EXPECT_EQ(preferences.GetLevel("Preferences", "DisplayTabs"), kThisComputerOnly);
   EXPECT_EQ(preferences.GetLevel({}, {}), kThisComputerOnly);
-}
-
-TEST_F(PreferencesRegistryTest, NoLevelIsEmpty) {
-  IPreferences& preferences = Choose();
-  for (std::uint32_t level = 0; level < kShareLevelCount; ++level) {
-    EXPECT_FALSE(preferences.IsLevelEmpty(static_cast<EShareLevel>(level))) << level;
-  }
 }
 
 TEST_F(PreferencesRegistryTest, DeferredWritesReachTheRegistryAtSavePreferences) {

@@ -49,7 +49,8 @@ UNITS = {
     "prefs/PreferencesBase.cpp": native("PreferencesBase_test"),
     "prefs/PreferencesDefaults.cpp": native("PreferencesDefaults_test"),
     # The native registry knows no roots.
-    "prefs/PreferencesRegistry.cpp": native("PreferencesRegistry_test") +
+    "prefs/PreferencesRegistry.cpp": native("PreferencesRegistry_test",
+                                            "IPreferencesContract_test") +
                                      windows("PreferencesRegistry_test"),
     "prefs/ShareLevel.cpp": native("JsonFiles_test"),
     "prefs/ShareLevelTable.cpp": native("ShareLevelTable_test"),
