@@ -26,6 +26,7 @@ Classification Classification::MakeBuiltIn() {
       classification.SetGuess(hash, row.Level());
     }
   }
+  classification.levels_.CloseCategories();
   return classification;
 }
 

@@ -15,19 +15,15 @@ const std::uint64_t FoldedName::kSeed =
     static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) *
     0x9E3779B97F4A7C15;
 
-// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the words are written before they are
-// read.
-FoldedName::FoldedName(std::string_view utf8) {
-  if (!IsAsciiText(utf8)) {
-    const vemora_ustring name = vemora_ustring::FromUtf8(utf8);
-    FoldAny(name.data(), name.size());
-    return;
-  }
-  Word* const words = Reserve(utf8.size());
-  utf8.copy(reinterpret_cast<char*>(words), utf8.size());
-  std::transform(words, words + WordsFor(utf8.size()), words, FoldWord);
-  Finish(utf8.size(), true);
+namespace {
+
+std::uint64_t LoadWord(const char* bytes) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof(word));
+  return word;
 }
+
+}  // namespace
 
 bool FoldedName::operator==(const FoldedName& other) const {
   return hash_ == other.hash_ && Tag() == other.Tag() &&
@@ -45,9 +41,15 @@ bool FoldedName::EqualsImage(const void* image) const {
                                                  Words(), kWordSize * WordsFor(length_)) == 0;
 }
 
+void FoldedName::FoldAnyUtf8(std::string_view utf8) {
+  const vemora_ustring name = vemora_ustring::FromUtf8(utf8);
+  FoldAny(name.data(), name.size());
+}
+
 /// For names that are long or not all ASCII.
 void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
   auto* const bytes = reinterpret_cast<char*>(Reserve(length * sizeof(CodeUnit)));
+  name_ascii_ = utils::CountAscii(units, length) == length;
   unsigned seen = 0;
   for (std::size_t index = 0; index < length; ++index) {
     const CodeUnit folded = utils::FoldUnit(units[index]);
@@ -100,9 +102,9 @@ bool IsAsciiText(std::string_view text) {
 int CompareNames(std::string_view left, std::string_view right) {
   const std::size_t common = std::min(left.size(), right.size());
   std::size_t index = 0;
-  constexpr std::size_t kStep = 8;
-  while (index + kStep <= common && left.compare(index, kStep, right, index, kStep) == 0) {
-    index += kStep;
+  while (index + sizeof(std::uint64_t) <= common &&
+         LoadWord(left.data() + index) == LoadWord(right.data() + index)) {
+    index += sizeof(std::uint64_t);
   }
   for (; index < common; ++index) {
     const auto a = static_cast<unsigned char>(left[index]);

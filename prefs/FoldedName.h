@@ -31,9 +31,17 @@ class FoldedName {
   }
 
   /// @param utf8 what `vemora_ustring::ToUtf8` gave
-  explicit FoldedName(std::string_view utf8);
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): as above
+  explicit FoldedName(std::string_view utf8) {
+    if (utf8.size() > kInlineBytes || !FoldShort(utf8.data(), utf8.size())) {
+      FoldAnyUtf8(utf8);
+    }
+  }
 
   std::uint64_t Hash() const { return hash_; }
+
+  /// Whether the name itself is ASCII, not only its folded form.
+  bool IsNameAscii() const { return name_ascii_; }
 
   bool operator==(const FoldedName& other) const;
 
@@ -110,8 +118,45 @@ class FoldedName {
     }
     length_ = length;
     ascii_ = true;
+    name_ascii_ = true;
     hash_ = hash;
     return (seen & 0xFF80FF80FF80FF80) == 0;
+  }
+
+  bool FoldShort(const char* bytes, std::size_t length) {
+    Word seen = 0;
+    const std::size_t words = WordsFor(length);
+    Word hash = StartHash(length);
+    std::size_t index = 0;
+    for (; index + 1 < words; ++index) {
+      const Word word = LoadWord(bytes + index * kWordSize);
+      seen |= word;
+      inline_[index] = FoldWord(word);
+      hash = AddToHash(hash, inline_[index]);
+    }
+    if (words != 0) {
+      const Word word = LoadLast(bytes, length);
+      seen |= word;
+      inline_[index] = FoldWord(word);
+      hash = AddToHash(hash, inline_[index]);
+    }
+    length_ = length;
+    ascii_ = true;
+    name_ascii_ = true;
+    hash_ = hash;
+    return (seen & 0x8080808080808080) == 0;
+  }
+
+  /// The last word of bytes that are not none.
+  static Word LoadLast(const char* bytes, std::size_t length) {
+    if (length >= kWordSize) {
+      return LoadWord(bytes + length - kWordSize) >> (8 * ((8 - length % 8) % 8));
+    }
+    Word word = 0;
+    for (std::size_t index = length; index > 0; --index) {
+      word = word << 8 | static_cast<unsigned char>(bytes[index - 1]);
+    }
+    return word;
   }
 
   /// The low bytes of code units. All units are put into `seen`, one over the other.
@@ -147,6 +192,7 @@ class FoldedName {
   /// @}
 
   void FoldAny(const utils::CodeUnit* units, std::size_t length);
+  void FoldAnyUtf8(std::string_view utf8);
   Word* Reserve(std::size_t bytes);
   void Finish(std::size_t length, bool ascii);
   Word Tag() const { return Word{length_} << 1 | (ascii_ ? 1 : 0); }
@@ -158,6 +204,7 @@ class FoldedName {
   Word hash_;
   std::size_t length_;  // in bytes
   bool ascii_;
+  bool name_ascii_;
   std::unique_ptr<Word[]> heap_;  // for long names
   std::array<Word, kInlineBytes / kWordSize> inline_;
 };

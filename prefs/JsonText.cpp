@@ -90,7 +90,14 @@ class LevelsHandler : public rapidjson::BaseReaderHandler<Utf8, LevelsHandler> {
  public:
   LevelsHandler(EShareLevel first, EShareLevel last) : first_(first), last_(last) {}
 
-  LoadedLevels Take() { return std::move(levels_); }
+  LoadedLevels Take() {
+    for (std::optional<PreferenceMap>& level : levels_) {
+      if (level.has_value()) {
+        level->CloseCategories();
+      }
+    }
+    return std::move(levels_);
+  }
 
   bool Null() { return true; }
 

@@ -34,7 +34,7 @@ constexpr std::size_t PaddedSize(std::size_t length) { return (length + 7) / 8 *
 
 /// What lies behind a preference or a category: the name and, if it is not ASCII, how it folds.
 std::size_t TailSize(std::string_view name, const FoldedName& folded) {
-  return PaddedSize(name.size()) + (IsAsciiText(name) ? 0 : folded.ImageSize());
+  return PaddedSize(name.size()) + (folded.IsNameAscii() ? 0 : folded.ImageSize());
 }
 
 void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
@@ -42,7 +42,7 @@ void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
     std::memset(tail + PaddedSize(name.size()) - 8, 0, 8);
     std::memcpy(tail, name.data(), name.size());
   }
-  if (!IsAsciiText(name)) {
+  if (!folded.IsNameAscii()) {
     folded.WriteImage(tail + PaddedSize(name.size()));
   }
 }
@@ -113,7 +113,7 @@ class PreferenceMap::Tables {
   const std::vector<std::uint32_t>& Categories() const { return categories_; }
   bool Empty() const { return live_categories_ == 0; }
   bool IsWasteful() const;
-  std::size_t MemoryUsed() const { return arena_.Used(); }
+  std::size_t MemoryUsed() const { return arena_.Used() + others_.size() * sizeof(Variant); }
 
   std::uint32_t FindCategory(const FoldedName& name) const;
   std::uint32_t FindPreference(const FoldedPair& pair) const;
@@ -126,7 +126,8 @@ class PreferenceMap::Tables {
   void ForgetHomes() noexcept;
 
   void OpenCategory(std::string_view name);
-  void EmptyOpenCategory() { EmptyCategory(CategoryAt(open_category_)); }
+  void EmptyOpenCategory();
+  void CloseCategories();
   std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
 
   void ReserveFor(const Tables& other);
@@ -181,7 +182,10 @@ class PreferenceMap::Tables {
   }
   void Append(std::uint32_t category, std::uint32_t hash, const FoldedName& folded,
               std::string_view key, const PreferenceValue& value);
-  void Link(std::uint32_t ref, std::uint32_t category) noexcept;
+  std::uint32_t NewPreference(std::uint32_t hash, const FoldedName& folded, std::string_view key,
+                              const PreferenceValue& value);
+  void Chain(std::uint32_t ref, std::uint32_t category) noexcept;
+  bool IsBehindLast(const CategoryEntry& category, std::string_view key) const;
   std::uint32_t AddCategory(std::string_view name, const FoldedName& folded);
   std::uint32_t CopyCategory(const CategoryEntry& other);
   void CopyPreference(std::uint32_t category, const Preference& other,
@@ -199,6 +203,9 @@ class PreferenceMap::Tables {
   std::size_t live_categories_ = 0;
   std::size_t wasted_ = 0;  // bytes
   std::uint32_t open_category_ = kNone;
+  bool in_order_ = false;  // the keys of the open category, as far as it was filled
+  std::vector<SlotTable::Slot>
+      unslotted_;  // preferences that `CloseCategories` puts into the table
 };
 
 /// Leaves out what is waste.
@@ -222,7 +229,7 @@ PreferenceMap::Tables::Tables(const Tables& other) {
 bool PreferenceMap::Tables::IsWasteful() const {
   constexpr std::size_t kNegligible = 64 * 1024;
   constexpr std::size_t kTooMuch = 16 * 1024 * 1024;
-  return wasted_ > std::clamp(arena_.Used() / 2, kNegligible, kTooMuch);
+  return wasted_ > std::clamp(MemoryUsed() / 2, kNegligible, kTooMuch);
 }
 
 std::uint32_t PreferenceMap::Tables::FindCategory(const FoldedName& name) const {
@@ -286,21 +293,49 @@ void PreferenceMap::Tables::OpenCategory(std::string_view name) {
   if (open_category_ == kNone) {
     open_category_ = AddCategory(name, folded);
   }
+  in_order_ = CategoryAt(open_category_).count == 0;
+}
+
+void PreferenceMap::Tables::EmptyOpenCategory() {
+  if (CategoryAt(open_category_).count != 0) {
+    CloseCategories();
+    EmptyCategory(CategoryAt(open_category_));
+  }
+  in_order_ = true;
 }
 
 std::uint32_t PreferenceMap::Tables::SetInOpenCategory(std::string_view key,
                                                        const PreferenceValue& value) {
   const FoldedName folded(key);
   const std::uint32_t hash = HashOfPair(CategoryAt(open_category_).hash, folded.Hash());
-  const std::uint32_t found = preference_slots_.Find(hash, [&](std::uint32_t ref) {
-    return At(ref).category_ == open_category_ && IsSameName(At(ref), folded);
-  });
-  if (found != kNone) {
-    Assign(At(found), value);
-  } else {
-    Append(open_category_, hash, folded, key, value);
+  in_order_ = in_order_ && IsBehindLast(CategoryAt(open_category_), key);
+  if (!in_order_) {
+    CloseCategories();
+    const std::uint32_t found = preference_slots_.Find(hash, [&](std::uint32_t ref) {
+      return At(ref).category_ == open_category_ && IsSameName(At(ref), folded);
+    });
+    if (found != kNone) {
+      Assign(At(found), value);
+      return hash;
+    }
   }
+  const std::uint32_t ref = NewPreference(hash, folded, key, value);
+  unslotted_.push_back({hash, ref});
+  Chain(ref, open_category_);
   return hash;
+}
+
+/// Whether a key comes after all those of a category that is in order, as in a file that the store
+/// wrote; then it is a new one.
+bool PreferenceMap::Tables::IsBehindLast(const CategoryEntry& category,
+                                         std::string_view key) const {
+  return category.last == kNone || CompareNames(At(category.last).Name(), key) < 0;
+}
+
+void PreferenceMap::Tables::CloseCategories() {
+  preference_slots_.Reserve(unslotted_.size());
+  preference_slots_.Add(unslotted_);
+  unslotted_ = {};
 }
 
 void PreferenceMap::Tables::ReserveFor(const Tables& other) {
@@ -421,19 +456,28 @@ void PreferenceMap::Tables::Assign(Preference& preference, const PreferenceValue
 void PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t hash,
                                    const FoldedName& folded, std::string_view key,
                                    const PreferenceValue& value) {
-  const std::uint32_t length = CheckedLength(key);
   preference_slots_.Reserve(1);
+  const std::uint32_t ref = NewPreference(hash, folded, key, value);
+  preference_slots_.Add(hash, ref);
+  Chain(ref, category);
+}
+
+/// A preference that is in no category yet.
+std::uint32_t PreferenceMap::Tables::NewPreference(std::uint32_t hash, const FoldedName& folded,
+                                                   std::string_view key,
+                                                   const PreferenceValue& value) {
+  const std::uint32_t length = CheckedLength(key);
   const std::uint32_t ref = arena_.Allocate(sizeof(Preference) + TailSize(key, folded));
   const Content content = MakeContent(value);
   auto* const preference = new (arena_.At(ref)) Preference;
   preference->value_ = content.value;
   preference->hash_ = hash;
   preference->length_ = length & kLongestName;
-  preference->ascii_ = IsAsciiText(key) ? 1 : 0;
+  preference->ascii_ = folded.IsNameAscii() ? 1 : 0;
   preference->at_home_ = 0;
   preference->kind_ = content.kind;
   WriteTail(reinterpret_cast<char*>(preference + 1), key, folded);
-  Link(ref, category);
+  return ref;
 }
 
 void PreferenceMap::Tables::CopyPreference(std::uint32_t category, const Preference& other,
@@ -443,11 +487,12 @@ void PreferenceMap::Tables::CopyPreference(std::uint32_t category, const Prefere
   const Content content = MakeContent(value);
   std::memcpy(arena_.At(ref), &other, size);
   At(ref).value_ = content.value;
-  Link(ref, category);
+  preference_slots_.Add(other.hash_, ref);
+  Chain(ref, category);
 }
 
-/// Puts a preference into its category; there is room for it in the table.
-void PreferenceMap::Tables::Link(std::uint32_t ref, std::uint32_t category) noexcept {
+/// Puts a preference behind the others of its category.
+void PreferenceMap::Tables::Chain(std::uint32_t ref, std::uint32_t category) noexcept {
   Preference& preference = At(ref);
   preference.category_ = category;
   preference.next_ = kNone;
@@ -455,7 +500,6 @@ void PreferenceMap::Tables::Link(std::uint32_t ref, std::uint32_t category) noex
   (entry.first == kNone ? entry.first : At(entry.last).next_) = ref;
   entry.last = ref;
   ++entry.count;
-  preference_slots_.Add(preference.hash_, ref);
 }
 
 std::uint32_t PreferenceMap::Tables::AddCategory(std::string_view name, const FoldedName& folded) {
@@ -465,7 +509,7 @@ std::uint32_t PreferenceMap::Tables::AddCategory(std::string_view name, const Fo
   auto* const category = new (arena_.At(ref)) CategoryEntry;
   category->hash = folded.Hash();
   category->length = length & kLongestName;
-  category->ascii = IsAsciiText(name) ? 1 : 0;
+  category->ascii = folded.IsNameAscii() ? 1 : 0;
   WriteTail(reinterpret_cast<char*>(category + 1), name, folded);
   LinkCategory(ref);
   return ref;
@@ -624,6 +668,12 @@ void PreferenceMap::EmptyOpenCategory() { tables_->EmptyOpenCategory(); }
 
 std::uint32_t PreferenceMap::SetInOpenCategory(std::string_view key, const PreferenceValue& value) {
   return tables_->SetInOpenCategory(key, value);
+}
+
+void PreferenceMap::CloseCategories() {
+  if (tables_ != nullptr) {
+    tables_->CloseCategories();
+  }
 }
 
 std::size_t PreferenceMap::MemoryUsed() const {

@@ -128,12 +128,14 @@ class PreferenceMap {
   /// @}
 
   /// For many preferences of one category: finds or makes a category, which may be emptied and
-  /// filled until the next one is opened. Names are UTF-8.
+  /// filled until the next one is opened. Names are UTF-8. After the last one `CloseCategories`
+  /// must be called, before the map is used for anything else.
   /// @{
   void OpenCategory(std::string_view name);
   void EmptyOpenCategory();
   /// @return the hash of the pair
   std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
+  void CloseCategories();
   /// @}
 
   /// Bytes of memory for what is stored, which is about as much as it takes in a file.

@@ -3,8 +3,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <system_error>
 
@@ -16,15 +14,18 @@ std::filesystem::path NativePath(const vemora_ustring& path) { return path.ToUtf
 }  // namespace
 
 std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size) {
-  std::ifstream file(NativePath(path), std::ios::binary);
-  if (!file || std::filesystem::is_directory(NativePath(path))) {
+  std::error_code error;
+  const auto length = static_cast<std::size_t>(std::filesystem::file_size(NativePath(path), error));
+  std::FILE* const file = error ? nullptr : std::fopen(path.ToUtf8().c_str(), "rb");
+  if (file == nullptr) {
     return nullptr;
   }
-  const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  auto buffer = std::make_unique<char[]>(bytes.size() + 1);
-  bytes.copy(buffer.get(), bytes.size());
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> closer(file, std::fclose);
+  std::unique_ptr<char[]> buffer(new char[length + 1]);
+  const std::size_t read = std::fread(buffer.get(), 1, length, file);
+  buffer[read] = '\0';
   if (size != nullptr) {
-    *size = bytes.size();
+    *size = read;
   }
   return buffer;
 }

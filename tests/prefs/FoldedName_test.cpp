@@ -1,0 +1,169 @@
+#include "prefs/FoldedName.h"
+
+#include <string>
+#include <vector>
+
+#include "support.h"
+#include "utils/vemora_ustring.h"
+
+namespace vemora::prefs {
+namespace {
+
+using testing::Utf8;
+using utils::vemora_ustring;
+
+/// Covers every way in which names are folded: by units, by words, in place and on the heap.
+constexpr std::size_t kLongest = 130;
+
+std::string Lower(std::size_t length) {
+  std::string name;
+  for (std::size_t index = 0; index < length; ++index) {
+    name += static_cast<char>('a' + index % 26);
+  }
+  return name;
+}
+
+std::string Upper(std::size_t length) {
+  return vemora_ustring(Lower(length).c_str()).ToUpper().ToUtf8();
+}
+
+FoldedName FromText(const std::string& utf8) { return FoldedName(Utf8(utf8)); }
+FoldedName FromStored(const std::string& utf8) { return FoldedName(std::string_view(utf8)); }
+
+/// An ASCII name as the store keeps it.
+bool EqualsStored(const FoldedName& folded, std::string name) {
+  const std::size_t length = name.size();
+  name.append(8, '\0');
+  return folded.EqualsPaddedAscii(name.data(), length);
+}
+
+TEST(FoldedName, IsTheSameForNamesThatDifferInCaseOnly) {
+  for (std::size_t length = 0; length <= kLongest; ++length) {
+    const FoldedName lower = FromText(Lower(length));
+    const FoldedName upper = FromText(Upper(length));
+    EXPECT_TRUE(lower == upper) << length;
+    EXPECT_EQ(lower.Hash(), upper.Hash()) << length;
+  }
+}
+
+TEST(FoldedName, IsTheSameForAStoredName) {
+  for (std::size_t length = 0; length <= kLongest; ++length) {
+    const FoldedName text = FromText(Lower(length));
+    EXPECT_TRUE(text == FromStored(Upper(length))) << length;
+    EXPECT_EQ(text.Hash(), FromStored(Upper(length)).Hash()) << length;
+    EXPECT_TRUE(EqualsStored(text, Upper(length))) << length;
+    EXPECT_TRUE(EqualsStored(text, Lower(length))) << length;
+  }
+}
+
+TEST(FoldedName, DiffersInEveryCharacter) {
+  for (std::size_t length = 1; length <= kLongest; ++length) {
+    const FoldedName name = FromText(Lower(length));
+    for (std::size_t index = 0; index < length; ++index) {
+      std::string other = Lower(length);
+      other[index] = '!';
+      EXPECT_FALSE(name == FromText(other)) << length << ' ' << index;
+      EXPECT_FALSE(name == FromStored(other)) << length << ' ' << index;
+      EXPECT_FALSE(EqualsStored(name, other)) << length << ' ' << index;
+    }
+  }
+}
+
+TEST(FoldedName, DiffersInLength) {
+  for (std::size_t length = 0; length < kLongest; ++length) {
+    EXPECT_FALSE(FromText(Lower(length)) == FromText(Lower(length + 1))) << length;
+    EXPECT_FALSE(FromText(Lower(length)) == FromText(Lower(length) + '\0')) << length;
+    EXPECT_FALSE(EqualsStored(FromText(Lower(length)), Lower(length) + '\0')) << length;
+  }
+}
+
+TEST(FoldedName, FoldsLettersOnly) {
+  for (int left = 0; left < 0x80; ++left) {
+    for (int right = 0; right < 0x80; ++right) {
+      const std::string a(9, static_cast<char>(left));
+      const std::string b(9, static_cast<char>(right));
+      const bool equal = Utf8(a).CompareNoCase(Utf8(b)) == 0;
+      EXPECT_EQ(FromText(a) == FromText(b), equal) << left << ' ' << right;
+      EXPECT_EQ(EqualsStored(FromText(a), b), equal) << left << ' ' << right;
+    }
+  }
+}
+
+TEST(FoldedName, TakesNoOtherNameForAnAsciiOne) {
+  // The low bytes of the units are those of "AB", "abcdefgh" and "abcdefghi".
+  EXPECT_FALSE(FoldedName(Utf8("\xC5\x81\xC5\x82")) == FromText("AB"));
+  for (const std::size_t length : {1U, 3U, 7U, 8U, 9U, 40U, 100U}) {
+    vemora_ustring name = Utf8(Lower(length));
+    name.back() = static_cast<utils::CodeUnit>(name.back() + 0x400);
+    EXPECT_FALSE(FoldedName(name) == FromText(Lower(length))) << length;
+    EXPECT_FALSE(EqualsStored(FoldedName(name), Lower(length))) << length;
+  }
+}
+
+TEST(FoldedName, EqualsTheImageOfAnEqualName) {
+  for (const std::string& name :
+       {std::string("\xC3\x84rger"), std::string("\xE6\x97\xA5\xE6\x9C\xAC"),
+        "\xF0\x9F\x98\x80 " + Lower(60)}) {
+    const FoldedName folded = FromText(name);
+    std::vector<char> image(folded.ImageSize());
+    folded.WriteImage(image.data());
+    EXPECT_EQ(FoldedName::ImageSize(image.data()), image.size());
+    EXPECT_TRUE(FromStored(name).EqualsImage(image.data()));
+    EXPECT_FALSE(FromStored(name + '!').EqualsImage(image.data()));
+    EXPECT_FALSE(FromStored("!" + name.substr(1)).EqualsImage(image.data()));
+  }
+}
+
+TEST(FoldedPair, HasAnotherHashWhenTheNamesChangePlaces) {
+  const vemora_ustring left = "left";
+  const vemora_ustring right = "right";
+  EXPECT_NE(FoldedPair(left, right).hash, FoldedPair(right, left).hash);
+}
+
+TEST(FoldedPair, HasTheHashOfItsFoldedNames) {
+  const vemora_ustring category = "Window";
+  const vemora_ustring key = "width";
+  const vemora_ustring other_category = "WINDOW";
+  const vemora_ustring other_key = "WIDTH";
+  EXPECT_EQ(FoldedPair(category, key).hash, FoldedPair(other_category, other_key).hash);
+}
+
+TEST(CompareNames, OrdersAsCompareNoCaseDoes) {
+  const std::vector<std::string> names = {"",
+                                          std::string("\0", 1),
+                                          "a",
+                                          "A",
+                                          "b",
+                                          "B",
+                                          "_",
+                                          "Z",
+                                          "aa",
+                                          "AB",
+                                          "abcdefgh",
+                                          "ABCDEFGH",
+                                          "abcdefghi",
+                                          "abcdefgh_",
+                                          "abcdefghijklmnopq",
+                                          "abcdefghijklmnopr",
+                                          "\xC3\x84",
+                                          "\xC3\xA4",
+                                          "a\xC3\xA4",
+                                          "abcdefg\xC3\xA4",
+                                          "abcdefg\xC3\x84x",
+                                          "\xEF\xBF\xBD",
+                                          "\xF0\x90\x80\x80",
+                                          "\xED\xA0\x80",
+                                          "\xED\xB0\x80",
+                                          "\xE6\x97\xA5",
+                                          "a\xE6\x97\xA5 b",
+                                          "A\xE6\x97\xA5 B"};
+  for (const std::string& left : names) {
+    for (const std::string& right : names) {
+      EXPECT_EQ(CompareNames(left, right), Utf8(left).CompareNoCase(Utf8(right)))
+          << left << " and " << right;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vemora::prefs
