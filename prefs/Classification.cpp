@@ -15,15 +15,15 @@ Classification Classification::MakeBuiltIn() {
   classification.guesses_.Reserve(static_cast<std::size_t>(rows.end() - rows.begin()));
   std::string_view category;
   for (const ShareLevelRow& row : rows) {
-    if (row.category != category) {
-      category = row.category;
+    if (row.Category() != category) {
+      category = row.Category();
       classification.levels_.OpenCategory(category);
     }
     // Preferences of other platforms stay unclassified here and so take the default level.
-    if (row.level <= kWindowsOnly) {
+    if (row.Level() <= kWindowsOnly) {
       const std::uint32_t hash =
-          classification.levels_.SetInOpenCategory(row.key, static_cast<int>(row.level));
-      classification.SetGuess(hash, row.level);
+          classification.levels_.SetInOpenCategory(row.Key(), static_cast<int>(row.Level()));
+      classification.SetGuess(hash, row.Level());
     }
   }
   classification.levels_.CloseCategories();

@@ -88,6 +88,13 @@ void FoldedName::Finish(std::size_t length, bool ascii) {
                 [this](Word word) { hash_ = AddToHash(hash_, word); });
 }
 
+FoldedPair::FoldedPair(const vemora_ustring& categoryName, const vemora_ustring& keyName)
+    : category_name(categoryName),
+      key_name(keyName),
+      category(categoryName),
+      key(keyName),
+      hash(HashOfPair(category.Hash(), key.Hash())) {}
+
 bool IsAsciiText(std::string_view text) {
   return utils::CountAscii(text.data(), text.size()) == text.size();
 }

@@ -221,12 +221,7 @@ inline std::uint32_t HashOfPair(std::uint64_t category, std::uint64_t key) {
 
 /// The names of one preference: as they were given, which must outlive the object, and folded.
 struct FoldedPair {
-  FoldedPair(const utils::vemora_ustring& categoryName, const utils::vemora_ustring& keyName)
-      : category_name(categoryName),
-        key_name(keyName),
-        category(categoryName),
-        key(keyName),
-        hash(HashOfPair(category.Hash(), key.Hash())) {}
+  FoldedPair(const utils::vemora_ustring& categoryName, const utils::vemora_ustring& keyName);
 
   const utils::vemora_ustring& category_name;
   const utils::vemora_ustring& key_name;

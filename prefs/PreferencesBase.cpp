@@ -22,8 +22,10 @@ PreferencesBase::~PreferencesBase() = default;
 
 int PreferencesBase::ReadInt(const vemora_ustring& category, const vemora_ustring& key,
                              int defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kInt ? value.GetInt() : LoadInt(category, key, defaultValue);
+  const Variant* const value = GetValueFromMaps(category, key);
+  return value != nullptr && value->GetType() == Variant::kInt
+             ? value->GetInt()
+             : LoadInt(category, key, defaultValue);
 }
 
 bool PreferencesBase::WriteInt(const vemora_ustring& category, const vemora_ustring& key,
@@ -34,9 +36,10 @@ bool PreferencesBase::WriteInt(const vemora_ustring& category, const vemora_ustr
 
 double PreferencesBase::ReadDouble(const vemora_ustring& category, const vemora_ustring& key,
                                    double defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kDouble ? value.GetDouble()
-                                             : LoadDouble(category, key, defaultValue);
+  const Variant* const value = GetValueFromMaps(category, key);
+  return value != nullptr && value->GetType() == Variant::kDouble
+             ? value->GetDouble()
+             : LoadDouble(category, key, defaultValue);
 }
 
 bool PreferencesBase::WriteDouble(const vemora_ustring& category, const vemora_ustring& key,
@@ -48,9 +51,10 @@ bool PreferencesBase::WriteDouble(const vemora_ustring& category, const vemora_u
 vemora_ustring PreferencesBase::ReadString(const vemora_ustring& category,
                                            const vemora_ustring& key,
                                            const vemora_ustring& defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kString ? value.GetString()
-                                             : LoadString(category, key, defaultValue);
+  const Variant* const value = GetValueFromMaps(category, key);
+  return value != nullptr && value->GetType() == Variant::kString
+             ? value->GetString()
+             : LoadString(category, key, defaultValue);
 }
 
 bool PreferencesBase::WriteString(const vemora_ustring& category, const vemora_ustring& key,
@@ -61,9 +65,10 @@ bool PreferencesBase::WriteString(const vemora_ustring& category, const vemora_u
 
 bool PreferencesBase::ReadBool(const vemora_ustring& category, const vemora_ustring& key,
                                bool defaultValue) {
-  const Variant value = GetValueFromMaps(category, key);
-  return value.GetType() == Variant::kBool ? value.GetBool()
-                                           : LoadBool(category, key, defaultValue);
+  const Variant* const value = GetValueFromMaps(category, key);
+  return value != nullptr && value->GetType() == Variant::kBool
+             ? value->GetBool()
+             : LoadBool(category, key, defaultValue);
 }
 
 bool PreferencesBase::WriteBool(const vemora_ustring& category, const vemora_ustring& key,
@@ -86,26 +91,19 @@ bool PreferencesBase::WriteBinary(const vemora_ustring& category, const vemora_u
 void PreferencesBase::LoadPreferences() {}
 
 void PreferencesBase::SavePreferences() {
-  for (const auto& [category, keys] : cache) {
-    for (const auto& [key, value] : keys) {
-      SaveValue(category, key, value);
-    }
+  for (const ValueCache::Entry* entry : cache.InOrder()) {
+    SaveValue(entry->category, entry->key, entry->value);
   }
 }
 
-Variant PreferencesBase::GetValueFromMaps(const vemora_ustring& category,
-                                          const vemora_ustring& key) const {
-  const auto keys = cache.find(category);
-  if (keys == cache.end()) {
-    return {};
-  }
-  const auto found = keys->second.find(key);
-  return found != keys->second.end() ? found->second : Variant();
+const Variant* PreferencesBase::GetValueFromMaps(const vemora_ustring& category,
+                                                 const vemora_ustring& key) const {
+  return cache.Find(category, key);
 }
 
 void PreferencesBase::WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
                                        const Variant& value) {
-  cache[category].insert_or_assign(key, value);
+  cache.Set(category, key, value);
 }
 
 void PreferencesBase::SaveValue(const vemora_ustring& category, const vemora_ustring& key,

@@ -2,10 +2,10 @@
 /// A cache of values in front of a store that a subclass supplies. Not thread-safe.
 #pragma once
 
-#include <map>
 #include <string>
 
 #include "prefs/IPreferences.h"
+#include "prefs/ValueCache.h"
 #include "utils/Export.h"
 #include "utils/Variant.h"
 #include "utils/vemora_ustring.h"
@@ -88,13 +88,15 @@ class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
   /// @}
 
  private:
-  utils::Variant GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key) const;
+  /// Null when the cache has none.
+  const utils::Variant* GetValueFromMaps(const vemora_ustring& category,
+                                         const vemora_ustring& key) const;
   void WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
                         const utils::Variant& value);
   void SaveValue(const vemora_ustring& category, const vemora_ustring& key,
                  const utils::Variant& value);
 
-  std::map<vemora_ustring, std::map<vemora_ustring, utils::Variant>> cache;
+  ValueCache cache;
   bool writeImmediately;
 };
 

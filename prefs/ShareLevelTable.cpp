@@ -583,8 +583,8 @@ std::vector<ShareLevelEntry> MakeShareLevelTable() {
   std::vector<ShareLevelEntry> table;
   table.reserve(std::size(kRows));
   for (const ShareLevelRow& row : kRows) {
-    table.push_back({vemora_ustring::FromUtf8(row.category), vemora_ustring::FromUtf8(row.key),
-                     static_cast<std::int32_t>(row.level)});
+    table.push_back({vemora_ustring::FromUtf8(row.Category()), vemora_ustring::FromUtf8(row.Key()),
+                     static_cast<std::int32_t>(row.Level())});
   }
   return table;
 }

@@ -2,6 +2,7 @@
 /// The built-in classification of known preferences by share level. Internal to the library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -21,11 +22,30 @@ struct ShareLevelEntry {
 /// A fresh sequence of all classified preferences, in table order.
 std::vector<ShareLevelEntry> MakeShareLevelTable();
 
-/// One row of the built-in table. The names are ASCII.
-struct ShareLevelRow {
-  std::string_view category;
-  std::string_view key;
-  EShareLevel level;
+/// One row of the built-in table, as small as it can be. The names are ASCII.
+class ShareLevelRow {
+ public:
+  template <std::size_t kCategorySize, std::size_t kKeySize>
+  constexpr ShareLevelRow(const char (&category)[kCategorySize], const char (&key)[kKeySize],
+                          EShareLevel level)
+      : category_(category),
+        key_(key),
+        category_length_(kCategorySize - 1),
+        key_length_(kKeySize - 1),
+        level_(static_cast<std::uint8_t>(level)) {
+    static_assert(kCategorySize <= 256 && kKeySize <= 256);
+  }
+
+  std::string_view Category() const { return {category_, category_length_}; }
+  std::string_view Key() const { return {key_, key_length_}; }
+  EShareLevel Level() const { return static_cast<EShareLevel>(level_); }
+
+ private:
+  const char* category_;
+  const char* key_;
+  std::uint8_t category_length_;
+  std::uint8_t key_length_;
+  std::uint8_t level_;
 };
 
 /// The same rows as they are built in.

@@ -12,6 +12,7 @@
 #include <new>
 
 #include "utils/Locations.h"
+#include "utils/SystemFunction.h"
 
 namespace vemora::utils {
 namespace {
@@ -32,20 +33,28 @@ struct InterfaceReleaser {
 template <typename Interface>
 using UniqueInterface = std::unique_ptr<Interface, InterfaceReleaser>;
 
+constexpr wchar_t kComLibrary[] = L"ole32.dll";
+
 /// COM for the life of the object. A thread that has COM in another mode can use it as well.
 class ComScope {
  public:
-  ComScope() : initialized_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+  ComScope() {
+    const auto initialize =
+        FindSystemFunction<decltype(CoInitializeEx)>(kComLibrary, "CoInitializeEx");
+    if (initialize != nullptr && SUCCEEDED(initialize(nullptr, COINIT_APARTMENTTHREADED))) {
+      uninitialize_ = FindSystemFunction<decltype(CoUninitialize)>(kComLibrary, "CoUninitialize");
+    }
+  }
   ComScope(const ComScope&) = delete;
   ComScope& operator=(const ComScope&) = delete;
   ~ComScope() {
-    if (initialized_) {
-      CoUninitialize();
+    if (uninitialize_ != nullptr) {
+      uninitialize_();
     }
   }
 
  private:
-  bool initialized_;
+  decltype(CoUninitialize)* uninitialize_ = nullptr;
 };
 
 /// Null for a handle that could not be opened.
@@ -231,13 +240,15 @@ vemora_ustring ResolveShortcut(const vemora_ustring& path) {
     return {};
   }
   const ComScope com;
+  const auto create =
+      FindSystemFunction<decltype(CoCreateInstance)>(kComLibrary, "CoCreateInstance");
   void* object = nullptr;
-  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
-                              &object))) {
+  if (create == nullptr || FAILED(create(__uuidof(ShellLink), nullptr, CLSCTX_INPROC_SERVER,
+                                         __uuidof(IShellLinkW), &object))) {
     return {};
   }
   const UniqueInterface<IShellLinkW> link(static_cast<IShellLinkW*>(object));
-  if (FAILED(link->QueryInterface(IID_IPersistFile, &object))) {
+  if (FAILED(link->QueryInterface(__uuidof(IPersistFile), &object))) {
     return {};
   }
   const UniqueInterface<IPersistFile> file(static_cast<IPersistFile*>(object));
@@ -284,11 +295,16 @@ int DeleteToRecycleBin(const vemora_ustring& path) {
     return ERROR_INVALID_NAME;
   }
   list.push_back(L'\0');
+  const auto operate =
+      FindSystemFunction<decltype(SHFileOperationW)>(L"shell32.dll", "SHFileOperationW");
+  if (operate == nullptr) {
+    return ERROR_PROC_NOT_FOUND;
+  }
   SHFILEOPSTRUCTW operation = {};
   operation.wFunc = FO_DELETE;
   operation.pFrom = list.c_str();
   operation.fFlags = FOF_SILENT | FOF_NOCONFIRMATION | FOF_ALLOWUNDO | FOF_NOERRORUI;
-  return SHFileOperationW(&operation);
+  return operate(&operation);
 }
 
 std::vector<DriveInfo> ListDrives() {

@@ -9,6 +9,8 @@
 #include <cwchar>
 #include <vector>
 
+#include "utils/SystemFunction.h"
+
 namespace vemora::utils {
 namespace {
 
@@ -18,9 +20,12 @@ constexpr int kCurrentVersion = 18;
 constexpr std::size_t kLongestPath = 32767;
 
 vemora_ustring GetShellFolder(int folder) {
+  const auto get_folder = FindSystemFunction<decltype(SHGetSpecialFolderPathW)>(
+      L"shell32.dll", "SHGetSpecialFolderPathW");
   wchar_t path[MAX_PATH] = {};
-  return SHGetSpecialFolderPathW(nullptr, path, folder, FALSE) != 0 ? vemora_ustring(path)
-                                                                    : vemora_ustring();
+  return get_folder != nullptr && get_folder(nullptr, path, folder, FALSE) != 0
+             ? vemora_ustring(path)
+             : vemora_ustring();
 }
 
 vemora_ustring FormatVersion(const vemora_ustring& pattern, int version) {

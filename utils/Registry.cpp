@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
 #include <initializer_list>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <system_error>
@@ -165,6 +165,21 @@ bool ScanDouble(vemora_ustring text, double& value) {
   return true;
 }
 
+/// Decimal text with a point in every locale. `std::to_chars` would do, but with its tables for all
+/// precisions it would be a third of the DLL.
+vemora_ustring FormatDouble(double value) {
+  constexpr std::size_t kDecimals = 6;
+  // The largest double has 309 digits before the point.
+  char buffer[std::numeric_limits<double>::max_exponent10 + kDecimals + 16];
+  std::snprintf(buffer, sizeof(buffer), "%.6f", value);
+  std::string text = buffer;
+  if (std::isfinite(value)) {
+    const std::size_t point = text.find_first_not_of("-0123456789");
+    text.replace(point, text.size() - kDecimals - point, ".");
+  }
+  return vemora_ustring(text.begin(), text.end());
+}
+
 }  // namespace
 
 const HKEY Registry::kCurrentUser = HKEY_CURRENT_USER;
@@ -263,12 +278,7 @@ bool Registry::SaveBool(HKEY root, const vemora_ustring& path, const vemora_ustr
 
 bool Registry::SaveDouble(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name, double value) {
-  constexpr int kDecimals = 6;
-  // The largest double has 309 digits before the point.
-  char text[std::numeric_limits<double>::max_exponent10 + kDecimals + 8];
-  const auto [end, error] =
-      std::to_chars(std::begin(text), std::end(text), value, std::chars_format::fixed, kDecimals);
-  return error == std::errc() && SaveString(root, path, category, name, vemora_ustring(text, end));
+  return SaveString(root, path, category, name, FormatDouble(value));
 }
 
 bool Registry::SaveString(HKEY root, const vemora_ustring& path, const vemora_ustring& category,

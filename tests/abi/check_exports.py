@@ -13,7 +13,8 @@ import subprocess
 import sys
 
 FILE_NAME = "CommonPreferences.dll"
-SYSTEM_DLLS = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "shell32.dll"}
+# What every process has anyway, or nearly so: others are loaded when they are needed.
+SYSTEM_DLLS = {"advapi32.dll", "kernel32.dll", "msvcrt.dll"}
 
 
 def exported_names(dump):

@@ -252,13 +252,15 @@ TEST_F(FilesFaultsOfTime, GiveTheCurrentTime) {
 
 using FilesFaultsOfRecycling = testing::FilesTest;
 
-TEST_F(FilesFaultsOfRecycling, KeepAFileWhosePathCannotBeCompleted) {
+TEST_F(FilesFaultsOfRecycling, KeepTheFile) {
   const vemora_ustring file = Make("file");
-  int error = 0;
-  EXPECT_TRUE(MeetsFault(faults::PathCannotBeCompleted(), Program(), 0,
-                         [&] { error = DeleteToRecycleBin(file); }));
-  EXPECT_NE(error, 0);
-  EXPECT_TRUE(Exists(folder_ / "file"));
+  for (const Fault& fault :
+       {faults::PathCannotBeCompleted(), faults::LibraryIsMissing(), faults::FunctionIsMissing()}) {
+    int error = 0;
+    EXPECT_TRUE(MeetsFault(fault, Program(), 0, [&] { error = DeleteToRecycleBin(file); }));
+    EXPECT_NE(error, 0) << fault.name;
+    EXPECT_TRUE(Exists(folder_ / "file")) << fault.name;
+  }
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include <thread>
 #include <utility>
 
+#include "faults.h"
 #include "utils/Locations.h"
 #include "utils/windows_support.h"
 
@@ -703,6 +704,28 @@ TEST_F(ResolveShortcutTest, IsEmptyForWhatIsNoShortcut) {
   EXPECT_EQ(ResolveShortcut(Make("text.lnk", std::string(5000, 'x'))), L"");
   EXPECT_EQ(ResolveShortcut(MakeFolder("folder.lnk")), L"");
   EXPECT_EQ(ResolveShortcut({}), L"");
+}
+
+TEST_F(ResolveShortcutTest, IsEmptyWhenTheSystemMakesNoObjects) {
+  constexpr int kCreation = 2;  // comes after what begins and ends the use of COM
+  const vemora_ustring target = Make("target.txt");
+  const vemora_ustring shortcut = MakeShortcut("x.lnk", target);
+  for (const testing::Fault& fault :
+       {testing::faults::LibraryIsMissing(), testing::faults::FunctionIsMissing()}) {
+    vemora_ustring resolved = target;
+    EXPECT_TRUE(testing::MeetsFault(fault, GetModuleHandleW(nullptr), kCreation,
+                                    [&] { resolved = ResolveShortcut(shortcut); }));
+    EXPECT_EQ(resolved, L"") << fault.name;
+  }
+}
+
+TEST_F(ResolveShortcutTest, NeedsNotBeginTheUseOfComInAThreadThatHasIt) {
+  const vemora_ustring target = Make("target.txt");
+  const vemora_ustring shortcut = MakeShortcut("x.lnk", target);
+  vemora_ustring resolved;
+  EXPECT_TRUE(testing::MeetsFault(testing::faults::FunctionIsMissing(), GetModuleHandleW(nullptr),
+                                  0, [&] { resolved = ResolveShortcut(shortcut); }));
+  EXPECT_EQ(resolved, target);
 }
 
 TEST_F(ResolveShortcutTest, IsEmptyForATruncatedShortcut) {

@@ -6,10 +6,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
 #include <map>
 #include <optional>
 
+#include "faults.h"
+#include "import_hook.h"
 #include "utils/Files.h"
 #include "utils/windows_support.h"
 
@@ -25,20 +28,13 @@ struct ShellFolders {
 
 ShellFolders shell;
 
-BOOL AskShell(HWND owner, LPWSTR path, int folder, BOOL create) {
-  using Function = BOOL(WINAPI*)(HWND, LPWSTR, int, BOOL);
-  static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
-      GetProcAddress(LoadLibraryW(L"shell32.dll"), "SHGetSpecialFolderPathW")));
-  return function(owner, path, folder, create);
-}
-
 BOOL WINAPI AnswerForShell(HWND owner, LPWSTR path, int folder, BOOL create) {
   shell.owner = owner;
   shell.asked = folder;
   shell.create = create;
   const auto answer = shell.answers.find(folder);
   if (answer == shell.answers.end()) {
-    return AskShell(owner, path, folder, create);
+    return SHGetSpecialFolderPathW(owner, path, folder, create);
   }
   if (!answer->second) {
     return FALSE;
@@ -48,13 +44,6 @@ BOOL WINAPI AnswerForShell(HWND owner, LPWSTR path, int folder, BOOL create) {
 }
 
 }  // namespace
-
-// The library calls the shell through this pointer, and the linker takes it before that of the
-// import library; so no test needs the folders of the user.
-extern "C" {
-extern BOOL(WINAPI* __imp_SHGetSpecialFolderPathW)(HWND, LPWSTR, int, BOOL);
-BOOL(WINAPI* __imp_SHGetSpecialFolderPathW)(HWND, LPWSTR, int, BOOL) = AnswerForShell;
-}
 
 namespace vemora::utils {
 namespace {
@@ -68,10 +57,19 @@ using testing::NextHandle;
 using testing::ReadBytes;
 using testing::ToText;
 
-/// Each test begins with a shell that answers for itself.
+/// Each test begins with a shell that answers for itself, and no test needs the folders of the
+/// user.
 class LocationsTest : public FilesTest {
  protected:
   LocationsTest() { shell = {}; }
+
+ private:
+  const testing::ImportHook<testing::imports::kGetProcAddress, decltype(GetProcAddress)> hook_{
+      GetModuleHandleW(nullptr), [](auto original, HMODULE module, LPCSTR name) {
+        return std::strcmp(name, "SHGetSpecialFolderPathW") == 0
+                   ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&AnswerForShell))
+                   : original(module, name);
+      }};
 };
 
 struct SpecialFolder {
@@ -88,7 +86,7 @@ class EachSpecialFolder : public LocationsTest,
 
 TEST_P(EachSpecialFolder, IsTheOneOfTheShell) {
   std::array<wchar_t, MAX_PATH> path = {};
-  ASSERT_TRUE(AskShell(nullptr, path.data(), GetParam().folder, FALSE));
+  ASSERT_TRUE(SHGetSpecialFolderPathW(nullptr, path.data(), GetParam().folder, FALSE));
   const vemora_ustring expected = path.data();
   EXPECT_EQ(GetParam().get(), GetParam().normalized ? NormalizePath(expected) : expected);
 }
@@ -110,6 +108,13 @@ TEST_P(EachSpecialFolder, IsNormalizedExceptForThePictures) {
 TEST_P(EachSpecialFolder, IsEmptyWhenTheSystemDoesNotGiveIt) {
   shell.answers[GetParam().folder] = std::nullopt;
   EXPECT_EQ(GetParam().get(), L"");
+}
+
+TEST_P(EachSpecialFolder, IsEmptyWhenThereIsNoShell) {
+  vemora_ustring folder = L"before";
+  EXPECT_TRUE(testing::MeetsFault(testing::faults::LibraryIsMissing(), GetModuleHandleW(nullptr), 0,
+                                  [&] { folder = GetParam().get(); }));
+  EXPECT_EQ(folder, L"");
 }
 
 TEST_P(EachSpecialFolder, HasRoomForTheLongestAnswer) {

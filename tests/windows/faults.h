@@ -77,6 +77,8 @@ inline constexpr char kGetFileAttributes[] = "GetFileAttributesW";
 inline constexpr char kGetFileInformation[] = "GetFileInformationByHandle";
 inline constexpr char kGetFileSize[] = "GetFileSizeEx";
 inline constexpr char kGetFullPathName[] = "GetFullPathNameW";
+inline constexpr char kGetProcAddress[] = "GetProcAddress";
+inline constexpr char kLoadLibrary[] = "LoadLibraryExW";
 inline constexpr char kMakeFolder[] = "_wmkdir";
 inline constexpr char kMoveFile[] = "MoveFileW";
 inline constexpr char kReadFile[] = "ReadFile";
@@ -194,6 +196,16 @@ inline Fault FolderCannotBeRemoved() {
 
 inline Fault TimeCannotBeRead() {
   return MakeFault<imports::kStat, decltype(_wstat64)>("TimeCannotBeRead", FailWith(-1));
+}
+
+inline Fault LibraryIsMissing() {
+  return MakeFault<imports::kLoadLibrary, decltype(LoadLibraryExW)>(
+      "LibraryIsMissing", FailWith(HMODULE{nullptr}, ERROR_MOD_NOT_FOUND));
+}
+
+inline Fault FunctionIsMissing() {
+  return MakeFault<imports::kGetProcAddress, decltype(GetProcAddress)>(
+      "FunctionIsMissing", FailWith(FARPROC{nullptr}, ERROR_PROC_NOT_FOUND));
 }
 
 inline Fault KeyCannotBeOpened() {
