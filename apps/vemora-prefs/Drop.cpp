@@ -12,7 +12,7 @@ struct DropOptions : VerbOptions {
 };
 
 ExitCode Drop(const DropOptions& options) {
-  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kRead);
+  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kChange);
   if (!store->Drop(options.category)) {
     throw Failure(kDifferent, "there is no category '" + options.category.ToUtf8() +
                                   "'; 'list' tells which there are");

@@ -17,22 +17,24 @@ using prefs::JsonCommon;
 using prefs::ShareLevelOverride;
 using utils::Variant;
 
-void RequireUsable(const std::string& file, Access access) {
-  if (file.empty()) {
-    return;
-  }
+/// A malformed file counts as empty, and what a file has beside its levels is not loaded: saved,
+/// the store would overwrite both.
+void RequireUsable(const std::string& file, FileKind kind, Access access) {
   std::error_code ignored;
-  if (access == Access::kWrite &&
-      !std::filesystem::exists(std::filesystem::u8path(file), ignored)) {
+  const bool may_be_missing =
+      access == Access::kMake && !std::filesystem::exists(std::filesystem::u8path(file), ignored);
+  if (file.empty() || may_be_missing) {
     return;
   }
   const std::string text = ReadFile(file);
-  // An empty file is as good as none.
   if (text.empty()) {
     return;
   }
-  if (const std::optional<Finding> found = FindMalformation(text)) {
-    throw Failure(kUnusable, file + ':' + ToText(*found) + "; mend the file or remove it");
+  for (const Finding& finding : CheckText(text, kind)) {
+    if (finding.malformed || (finding.foreign && access != Access::kRead)) {
+      throw Failure(kUnusable, file + ':' + ToText(finding) +
+                                   "; it would be overwritten: mend the file or name another");
+    }
   }
 }
 
@@ -73,8 +75,8 @@ bool AreEqual(const Entry& left, const Entry& right) {
 
 FileStore::FileStore(const std::string& privateFile, const std::string& sharedFile, Access access)
     : private_file_(privateFile), shared_file_(sharedFile) {
-  RequireUsable(private_file_, access);
-  RequireUsable(shared_file_, access);
+  RequireUsable(private_file_, FileKind::kPrivate, access);
+  RequireUsable(shared_file_, FileKind::kShared, access);
   Load(store_, private_file_, shared_file_);
 }
 

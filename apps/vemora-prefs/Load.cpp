@@ -16,7 +16,7 @@ struct LoadOptions : VerbOptions {
 
 ExitCode Load(const LoadOptions& options) {
   const std::vector<Entry> entries = EntriesFromJson(ReadFile(options.file), options.file);
-  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kWrite);
+  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kMake);
   ExitCode result = kOk;
   for (const Entry& entry : entries) {
     if (const std::optional<std::string> reason = store->Refuses(entry.value)) {

@@ -159,7 +159,7 @@ ExitCode Migrate(const MigrateOptions& options) {
   RequireOptions(options);
   const bool to_files = options.to == kToFiles;
   const auto source = Open(options.store, to_files ? kToRegistry : kToFiles, Access::kRead);
-  const auto target = Open(options.store, options.to, Access::kWrite);
+  const auto target = Open(options.store, options.to, Access::kMake);
   std::vector<Problem> problems;
   const std::vector<Entry> entries = Acceptable(
       to_files ? ReadForFiles(*source, options, problems) : WithoutLevels(source->Read(), problems),
@@ -170,7 +170,7 @@ ExitCode Migrate(const MigrateOptions& options) {
   }
   if (!options.dry_run) {
     WriteAll(entries, *target, problems);
-    Verify(entries, *Open(options.store, options.to, Access::kWrite), problems);
+    Verify(entries, *Open(options.store, options.to, Access::kMake), problems);
   }
   if (options.json) {
     PrintJson(summary, problems, options.dry_run);

@@ -89,7 +89,8 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
 
   /// Behind the end of the text.
   void CheckLevelCount() {
-    for (std::size_t level = first_level_ + members_of_root_; level <= last_level_; ++level) {
+    const std::size_t next = root_is_object_ ? first_level_ + members_of_root_ : kNoLevel;
+    for (std::size_t level = next; level <= last_level_; ++level) {
       Report("there is no member for \"" + NameOfLevel(level) +
              "\", which a load leaves as it was");
     }
@@ -149,6 +150,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
       if (depth_ == kCategory) {
         Skipped("an object");
       } else {
+        root_is_object_ = true;
         ++read_;
         (depth_ == kRoot ? categories_ : keys_).clear();
       }
@@ -171,6 +173,8 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   static constexpr std::size_t kRoot = 1;
   static constexpr std::size_t kLevel = 2;
   static constexpr std::size_t kCategory = 3;
+
+  static constexpr std::size_t kNoLevel = prefs::kShareLevelCount;
 
   static std::string NameOfLevel(std::size_t level) {
     return LevelName(static_cast<EShareLevel>(level));
@@ -196,6 +200,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
     switch (depth_) {
       case 0:
         Report("the root is " + kind + " and no object, so a load takes nothing");
+        findings_.back().foreign = true;
         break;
       case kRoot:
         ReportAt(key_offset_, "the level \"" + NameOfLevel(Level()) + "\" is " + kind +
@@ -221,13 +226,15 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
 
   void StartMember(const vemora_ustring& name) {
     ++members_of_root_;
-    if (Level() > last_level_) {
-      ReportAt(key_offset_,
-               "the member \"" + name.ToUtf8() + "\" is one too many: no load takes it");
-    } else if (name != prefs::kShareLevelNames[Level()]) {
-      ReportAt(key_offset_, "the member \"" + name.ToUtf8() + "\" stands at the place of \"" +
-                                NameOfLevel(Level()) + "\", as which it is loaded");
+    if (Level() <= last_level_ && name == prefs::kShareLevelNames[Level()]) {
+      return;
     }
+    ReportAt(key_offset_,
+             "the member \"" + name.ToUtf8() + '"' +
+                 (Level() > last_level_ ? " is one too many: no load takes it"
+                                        : " stands at the place of \"" + NameOfLevel(Level()) +
+                                              "\", as which it is loaded"));
+    findings_.back().foreign = true;
   }
 
   void CheckCollision(Names& names, const vemora_ustring& name, const std::string& effect) {
@@ -258,6 +265,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   std::size_t last_level_;
   Classifier classifier_;
   std::vector<Finding> findings_;
+  bool root_is_object_ = false;
   std::size_t members_of_root_ = 0;
   std::size_t depth_ = 0;  // objects and arrays that are open
   std::size_t read_ = 0;   // the outermost of them, which are read
@@ -289,13 +297,6 @@ std::string ReadFile(const std::string& path) {
     throw Failure(kUnusable, "cannot read " + path + "; check its name and rights");
   }
   return text;
-}
-
-std::optional<Finding> FindMalformation(const std::string& text) {
-  const std::vector<Finding> findings = CheckText(text, FileKind::kShared);
-  const auto found = std::find_if(findings.begin(), findings.end(),
-                                  [](const Finding& finding) { return finding.malformed; });
-  return found != findings.end() ? std::optional(*found) : std::nullopt;
 }
 
 std::vector<Finding> CheckText(const std::string& text, FileKind kind) {

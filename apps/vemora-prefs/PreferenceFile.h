@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +16,7 @@ struct Finding {
   std::size_t column;
   std::string text;
   bool malformed = false;  // the whole file counts as empty
+  bool foreign = false;    // a member of the root is none of ours, and lost when a store is saved
 };
 
 /// "LINE:COLUMN: text"
@@ -27,9 +27,6 @@ Finding FindingAt(const std::string& text, std::size_t offset, const std::string
 /// The bytes of a file.
 /// @throws Failure (kUnusable) when it cannot be read
 std::string ReadFile(const std::string& path);
-
-/// Why the library would load nothing of the text, if so.
-std::optional<Finding> FindMalformation(const std::string& text);
 
 /// All that a load would skip or put elsewhere than the text says, and what is in the wrong file.
 std::vector<Finding> CheckText(const std::string& text, FileKind kind);

@@ -41,7 +41,7 @@ Value Decode(const RegistryValue& stored) {
 
 RegistryStore::RegistryStore(const std::string& path, Access access)
     : path_(vemora_ustring::FromUtf8(path)) {
-  if (access == Access::kRead && !Registry::PathExists(Registry::kCurrentUser, path_)) {
+  if (access != Access::kMake && !Registry::PathExists(Registry::kCurrentUser, path_)) {
     throw Failure(kUnusable,
                   "there is no key " + std::string(kRootName) + path + "; check --registry");
   }

@@ -13,7 +13,7 @@ struct SetOptions : PairOptions {
 
 ExitCode Set(const SetOptions& options) {
   const Value value = ParseValue(options.type, options.value);
-  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kWrite);
+  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kMake);
   if (const std::optional<std::string> reason = store->Refuses(value)) {
     throw Failure(kUsage, *reason + "; choose another type");
   }

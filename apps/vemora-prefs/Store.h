@@ -10,8 +10,9 @@
 
 namespace vemora::tool {
 
-/// Whether what is named must exist, or is made by the first write.
-enum class Access { kRead, kWrite };
+/// What is to be done with a store: one that is read or changed must exist, others are made if they
+/// are missing.
+enum class Access { kRead, kChange, kMake };
 
 /// `level` is, in all operations, the default share level: that of preferences which the library's
 /// table does not know. `kNoShareLevel` stands for the library's own default.

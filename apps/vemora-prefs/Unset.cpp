@@ -7,7 +7,7 @@ namespace vemora::tool {
 namespace {
 
 ExitCode Unset(const PairOptions& options) {
-  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kRead);
+  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kChange);
   Require(*store, options);
   store->Unset(options.level, options.category, options.key);
   store->Save();

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <CLI/CLI.hpp>
-#include <new>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -57,8 +57,9 @@ int Run(std::vector<std::string> arguments) {
     return Fail(kUsage, OneLine(error.what()) + "; see 'vemora-prefs --help'");
   } catch (const Failure& failure) {
     return Fail(failure.code(), failure.what());
-  } catch (const std::bad_alloc&) {
-    return Fail(kUnusable, "out of memory; close other programs");
+  } catch (const std::exception& error) {
+    return Fail(kUnusable, std::string("out of memory, or so it seems: ") + error.what() +
+                               "; take a smaller store");
   }
 }
 
