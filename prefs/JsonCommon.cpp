@@ -307,6 +307,29 @@ bool JsonCommon::WriteDictionary(const vemora_ustring& name, const Dictionary& i
   return all_stored;
 }
 
+void JsonCommon::ForEachPreference(const PreferenceVisitor& visit) const {
+  const LevelMaps copy = levels;
+  for (std::size_t level = 0; level < copy.size(); ++level) {
+    for (const PreferenceMap::Category& category : copy[level].GetCategories()) {
+      const vemora_ustring name = vemora_ustring::FromUtf8(category.name);
+      for (const Preference* preference : copy[level].GetPreferences(category)) {
+        visit(static_cast<EShareLevel>(level), name, vemora_ustring::FromUtf8(preference->Name()),
+              copy[level].GetValue(*preference));
+      }
+    }
+  }
+}
+
+std::vector<vemora_ustring> JsonCommon::GetCategories(EShareLevel level) const {
+  std::vector<vemora_ustring> names;
+  if (IsLevel(level)) {
+    for (const PreferenceMap::Category& category : levels[level].GetCategories()) {
+      names.push_back(vemora_ustring::FromUtf8(category.name));
+    }
+  }
+  return names;
+}
+
 void JsonCommon::DeletePreferences() {
   utils::DeleteFileIfPresent(privatePath);
   utils::DeleteFileIfPresent(sharedPath);

@@ -4,7 +4,9 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "prefs/Classification.h"
 #include "prefs/IPreferences.h"
@@ -26,6 +28,11 @@ namespace vemora::prefs {
 struct PrefsData {
   EShareLevel level;
 };
+
+/// What is called with a preference: its level, category, key and value.
+using PreferenceVisitor =
+    std::function<void(EShareLevel level, const vemora_ustring& category, const vemora_ustring& key,
+                       const utils::Variant& value)>;
 
 /// The preferences of each share level, indexed by `EShareLevel`.
 using LevelMaps = std::array<PreferenceMap, kShareLevelCount>;
@@ -103,6 +110,20 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   /// Replaces the dictionary `name` in all levels by the entries of `in`, each at its own level.
   /// @return false when entries were left out because they are no bool, int, double or string
   virtual bool WriteDictionary(const vemora_ustring& name, const utils::Dictionary& in);
+
+  /// Calls `visit` with every preference, in ascending order of level, category and key, as
+  /// `CompareNoCase` orders names. The store is walked as it was when the call began, in a copy:
+  /// the visitor may change it, or destroy it. What the visitor throws ends the walk.
+  ///
+  ///     store.ForEachPreference([](EShareLevel, const vemora_ustring& category,
+  ///                                const vemora_ustring& key, const Variant&) {
+  ///       std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
+  ///     });
+  void ForEachPreference(const PreferenceVisitor& visit) const;
+
+  /// The categories of one level in ascending order, those that a file holds without a preference,
+  /// too; none for a level outside 0 to 6.
+  std::vector<vemora_ustring> GetCategories(EShareLevel level) const;
 
   /// Deletes both files from disk; what is in memory stays.
   void DeletePreferences();

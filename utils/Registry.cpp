@@ -292,6 +292,47 @@ bool Registry::SaveBinary(HKEY root, const vemora_ustring& path, const vemora_us
   return SetValue(root, path, category, name, REG_BINARY, value.data(), value.size());
 }
 
+std::optional<std::vector<vemora_ustring>> Registry::EnumerateKeys(HKEY root,
+                                                                   const vemora_ustring& path,
+                                                                   const vemora_ustring& category) {
+  const UniqueKey key = OpenExisting(root, path, category);
+  std::vector<vemora_ustring> names;
+  LSTATUS status = key != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+  vemora_ustring buffer(kMaxNameLength + 2, L'\0');
+  while (status == ERROR_SUCCESS) {
+    auto length = static_cast<DWORD>(buffer.size());
+    status = RegEnumKeyExW(key.get(), static_cast<DWORD>(names.size()), buffer.data(), &length,
+                           nullptr, nullptr, nullptr, nullptr);
+    if (status == ERROR_SUCCESS) {
+      names.emplace_back(buffer.substr(0, length));
+    }
+  }
+  return status == ERROR_NO_MORE_ITEMS ? std::optional(std::move(names)) : std::nullopt;
+}
+
+std::optional<std::vector<RegistryValue>> Registry::EnumerateValues(
+    HKEY root, const vemora_ustring& path, const vemora_ustring& category) {
+  const UniqueKey key = OpenExisting(root, path, category);
+  std::vector<RegistryValue> values;
+  LSTATUS status = key != nullptr ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
+  vemora_ustring name(kMaxNameLength + 2, L'\0');
+  std::string bytes(256, '\0');
+  while (status == ERROR_SUCCESS || status == ERROR_MORE_DATA) {
+    auto length = static_cast<DWORD>(name.size());
+    auto size = static_cast<DWORD>(bytes.size());
+    DWORD type = 0;
+    status = RegEnumValueW(key.get(), static_cast<DWORD>(values.size()), name.data(), &length,
+                           nullptr, &type, reinterpret_cast<BYTE*>(bytes.data()), &size);
+    if (status == ERROR_SUCCESS) {
+      values.push_back({name.substr(0, length), type, bytes.substr(0, size)});
+    } else if (status == ERROR_MORE_DATA) {
+      // The size that the system tells may be too small by the next call.
+      bytes.resize(std::max<std::size_t>(size, bytes.size() * 2));
+    }
+  }
+  return status == ERROR_NO_MORE_ITEMS ? std::optional(std::move(values)) : std::nullopt;
+}
+
 void Registry::Synchronize(HKEY key) { RegFlushKey(key); }
 
 }  // namespace vemora::utils

@@ -1,9 +1,12 @@
 /// @file
-/// Reads, writes, tests and deletes single values of the Windows registry. Keeps no state and no
+/// Reads, writes, tests, deletes and lists values of the Windows registry. Keeps no state and no
 /// keys open between calls; callable from any thread.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "utils/Export.h"
 #include "utils/vemora_ustring.h"
@@ -13,6 +16,14 @@ struct HKEY__;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-c
 using HKEY = HKEY__*;
 
 namespace vemora::utils {
+
+/// A value as the registry holds it. The type is one of Windows, such as 4 for REG_DWORD; the bytes
+/// are whatever was stored, which need not fit it.
+struct RegistryValue {
+  vemora_ustring name;
+  std::uint32_t type;
+  std::string bytes;
+};
 
 /// Typed values, each addressed by a root key, a path below it, a category (one subkey of the path,
 /// or several joined by backslashes) and a name. An empty name means the category's default value.
@@ -88,6 +99,18 @@ class COMMONPREFERENCES_API Registry {
                          const vemora_ustring& name, const vemora_ustring& value);
   static bool SaveBinary(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                          const vemora_ustring& name, const std::string& value);
+  /// @}
+
+  /// The names of the subkeys of a category, or its values, in the order of the registry. Nothing
+  /// when there is no such key, or when it cannot be read to its end. As in `KeyExists` path or
+  /// category may be empty; nothing is created. What other programs change meanwhile may be missed.
+  /// @{
+  static std::optional<std::vector<vemora_ustring>> EnumerateKeys(HKEY root,
+                                                                  const vemora_ustring& path,
+                                                                  const vemora_ustring& category);
+  static std::optional<std::vector<RegistryValue>> EnumerateValues(HKEY root,
+                                                                   const vemora_ustring& path,
+                                                                   const vemora_ustring& category);
   /// @}
 
   /// Waits until the system has written a key to disk.

@@ -19,6 +19,7 @@ import sys
 ARGUMENTS = [
     "--target=x86_64-pc-windows-msvc", "-fno-ms-compatibility", "-fms-extensions",
     "-D__MINGW32__", "-D__MINGW64__", "-D__MSVCRT__", "-fgnuc-version=12.2.0", "-fmsc-version=0",
+    "-D__declspec(x)=__attribute__((x))",  # as GCC has it, on which MinGW's headers rely
     "-nostdinc++", "-std=c++17", "-Wall", "-Wextra", "-Wpedantic", "-Werror",
     "-c", "-o", "/dev/null",
     "-Xclang", "-fdump-vtable-layouts", "-Xclang", "-fdump-record-layouts",

@@ -105,6 +105,12 @@ const std::vector<Operation> kOperations = {
     {"WriteOfAnInt", [](JsonCommon& s) { s.WriteInt(kNewCategory, kNewKey, 1); }},
     {"ReadOfAText", [](JsonCommon& s) { s.ReadString(kOldCategory, kOldKey, kNewText); }},
     {"ReadOfAnAbsentText", [](JsonCommon& s) { s.ReadString(kOldCategory, kNewKey, kNewText); }},
+    {"ForEachPreference",
+     [](JsonCommon& s) {
+       s.ForEachPreference(
+           [](EShareLevel, const vemora_ustring&, const vemora_ustring&, const Variant&) {});
+     }},
+    {"GetCategories", [](JsonCommon& s) { s.GetCategories(kThisComputerOnly); }},
     {"DeletePreference", [](JsonCommon& s) { s.DeletePreference(kOldCategory, kOldKey); }},
     {"DeleteCategory", [](JsonCommon& s) { s.DeleteCategory(kOldCategory); }},
     {"SetPaths", [](JsonCommon& s) { s.SetPaths(kOldText, kNewText); }},
