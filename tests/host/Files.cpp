@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <new>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -50,8 +51,13 @@ bool WriteWholeFile(const char* data, std::size_t length, const vemora_ustring& 
 
 bool DeleteFileIfPresent(const vemora_ustring& path) {
   std::error_code error;
-  if (std::filesystem::is_regular_file(NativePath(path), error)) {
-    std::filesystem::remove(NativePath(path), error);
+  try {
+    if (std::filesystem::is_regular_file(NativePath(path), error)) {
+      std::filesystem::remove(NativePath(path), error);
+    }
+  } catch (const std::bad_alloc&) {
+    // What this stands in for needs no memory.
+    return false;
   }
   return !error;
 }
