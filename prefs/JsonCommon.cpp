@@ -246,18 +246,19 @@ void JsonCommon::LoadPreferences() {
   // Running out of memory is over before anything changes: what one file holds, or half a
   // classification, is not to be saved over the other file.
   Classification classification = Classification::MakeBuiltIn();
-  LoadedFile shared = LoadFile(SharedFile(sharedPath));
-  LoadedFile own = LoadFile(PrivateFile(privatePath));
+  std::vector<LoadedFile> loaded =
+      LoadFiles({SharedFile(sharedPath), PrivateFile(privatePath)}, GetPathOfLock());
   SetClassification(std::move(classification));
-  TakeShared(std::move(shared));
-  TakeLevels(std::move(own.levels), levels);
+  TakeShared(std::move(loaded.front()));
+  TakeLevels(std::move(loaded.back().levels), levels);
 }
 
 void JsonCommon::SavePreferences() {
   if (GetSaveMode() == ESaveMode::kRewriteInPlace) {
     SaveSharedPreferences();
     SavePrivatePreferences();
-  } else if (Save({SharedFile(sharedPath), PrivateFile(privatePath)})) {
+  } else if (SaveFiles(levels, {SharedFile(sharedPath), PrivateFile(privatePath)},
+                       GetPathOfLock())) {
     dirty = false;
   }
 }
@@ -361,19 +362,24 @@ bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring&
 
 void JsonCommon::LoadLevelData() { SetClassification(Classification::MakeBuiltIn()); }
 
-void JsonCommon::LoadSharedPreferences() { TakeShared(LoadFile(SharedFile(sharedPath))); }
+void JsonCommon::LoadSharedPreferences() {
+  TakeShared(std::move(LoadFiles({SharedFile(sharedPath)}, GetPathOfLock()).front()));
+}
 
 void JsonCommon::LoadPrivatePreferences() {
-  TakeLevels(LoadFile(PrivateFile(privatePath)).levels, levels);
+  TakeLevels(std::move(LoadFiles({PrivateFile(privatePath)}, GetPathOfLock()).front().levels),
+             levels);
 }
 
 void JsonCommon::SaveSharedPreferences() {
-  if (Save({SharedFile(sharedPath)})) {
+  if (SaveFiles(levels, {SharedFile(sharedPath)}, GetPathOfLock())) {
     dirty = false;
   }
 }
 
-void JsonCommon::SavePrivatePreferences() { Save({PrivateFile(privatePath)}); }
+void JsonCommon::SavePrivatePreferences() {
+  SaveFiles(levels, {PrivateFile(privatePath)}, GetPathOfLock());
+}
 
 void JsonCommon::TakeShared(LoadedFile&& loaded) noexcept {
   // A store without its shared file writes one when it goes, even if nothing changed. One that is
@@ -384,8 +390,8 @@ void JsonCommon::TakeShared(LoadedFile&& loaded) noexcept {
   TakeLevels(std::move(loaded.levels), levels);
 }
 
-bool JsonCommon::Save(const std::vector<PreferenceFile>& files) {
-  return SaveFiles(levels, files, sharedPath.empty() ? privatePath : sharedPath);
+const vemora_ustring& JsonCommon::GetPathOfLock() const {
+  return sharedPath.empty() ? privatePath : sharedPath;
 }
 
 /// Whether nobody has overridden `GetLevel`, so that its answer can be had without the call.

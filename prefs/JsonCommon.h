@@ -5,7 +5,6 @@
 
 #include <array>
 #include <string>
-#include <vector>
 
 #include "prefs/Classification.h"
 #include "prefs/IPreferences.h"
@@ -29,7 +28,6 @@ struct PrefsData {
 };
 
 struct LoadedFile;
-struct PreferenceFile;
 
 /// The preferences of each share level, indexed by `EShareLevel`.
 using LevelMaps = std::array<PreferenceMap, kShareLevelCount>;
@@ -155,7 +153,7 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   const Preference* FindPreference(const FoldedPair& pair) { return Locate(pair).preference; }
   void Store(const FoldedPair& pair, const PreferenceValue& value);
   void TakeShared(LoadedFile&& loaded) noexcept;
-  bool Save(const std::vector<PreferenceFile>& files);
+  const vemora_ustring& GetPathOfLock() const;
 
   LevelMaps levels;
   Classification levelData;

@@ -24,6 +24,8 @@ ESaveMode save_mode = ESaveMode::kRewriteInPlace;
 std::chrono::milliseconds lock_wait = std::chrono::seconds(5);
 SaveResult last_result;
 
+vemora_ustring LockPath(const vemora_ustring& path) { return path + vemora_ustring(".lock"); }
+
 /// Never 0, which stands for a file that is not known.
 std::size_t HashOf(std::string_view text) {
   return std::max<std::size_t>(std::hash<std::string_view>()(text), 1);
@@ -192,17 +194,6 @@ void SaveInPlace(LevelMaps& levels, const PreferenceFile& file) {
   }
 }
 
-}  // namespace
-
-void SetSaveMode(ESaveMode mode, std::chrono::milliseconds lockWait) {
-  save_mode = mode;
-  lock_wait = lockWait;
-}
-
-ESaveMode GetSaveMode() { return save_mode; }
-
-SaveResult GetLastSaveResult() { return last_result; }
-
 LoadedFile LoadFile(const PreferenceFile& file) {
   if (save_mode == ESaveMode::kProtected) {
     utils::FileBytes read = utils::ReadFileBytes(file.path);
@@ -219,6 +210,33 @@ LoadedFile LoadFile(const PreferenceFile& file) {
   return {ReadLevels(text.get(), size, file.first, file.last)};
 }
 
+}  // namespace
+
+void SetSaveMode(ESaveMode mode, std::chrono::milliseconds lockWait) {
+  save_mode = mode;
+  lock_wait = lockWait;
+}
+
+ESaveMode GetSaveMode() { return save_mode; }
+
+SaveResult GetLastSaveResult() { return last_result; }
+
+std::vector<LoadedFile> LoadFiles(const std::vector<PreferenceFile>& files,
+                                  const vemora_ustring& path) {
+  // Savers are not disturbed, and none comes between the files. A load makes no lock file, and goes
+  // without a lock that it does not get.
+  std::optional<utils::FileLock> lock;
+  if (save_mode == ESaveMode::kProtected && utils::FileExists(LockPath(path))) {
+    lock.emplace(LockPath(path), lock_wait);
+  }
+  std::vector<LoadedFile> loaded;
+  loaded.reserve(files.size());
+  for (const PreferenceFile& file : files) {
+    loaded.push_back(LoadFile(file));
+  }
+  return loaded;
+}
+
 bool SaveFiles(LevelMaps& levels, const std::vector<PreferenceFile>& files,
                const vemora_ustring& path) {
   if (save_mode == ESaveMode::kRewriteInPlace) {
@@ -233,7 +251,7 @@ bool SaveFiles(LevelMaps& levels, const std::vector<PreferenceFile>& files,
   }
   // Unless it comes to something else.
   last_result = {ESaveResult::kFailed, utils::kOutOfMemory};
-  const SystemError error = SaveProtected(levels, files, path + vemora_ustring(".lock"));
+  const SystemError error = SaveProtected(levels, files, LockPath(path));
   last_result = {error == 0 ? ESaveResult::kSaved : ESaveResult::kFailed, error};
   return error == 0;
 }

@@ -26,7 +26,10 @@ struct LoadedFile {
   bool unreadable = false;
 };
 
-LoadedFile LoadFile(const PreferenceFile& file);
+/// Reads the files, one after the other.
+/// @param path of the file beside which protected saves have their lock; may be empty
+std::vector<LoadedFile> LoadFiles(const std::vector<PreferenceFile>& files,
+                                  const utils::vemora_ustring& path);
 
 /// Writes the levels to their files, one after the other.
 /// @param path of the file beside which protected saves have their lock; empty for none to save

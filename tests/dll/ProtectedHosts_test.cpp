@@ -160,6 +160,8 @@ TEST_F(ProtectedHosts, SavingTheSamePreferencesLeaveFilesThatAlwaysParse) {
     first.SavePreferences();
   }
   std::list<Program> hosts = Start(L"common", saves);
+  // Loads wait for their turn, too.
+  prefs::SetSaveMode(prefs::ESaveMode::kProtected, std::chrono::minutes(2));
   int loads = 0;
   for (const Program& host : hosts) {
     while (host.IsRunning()) {

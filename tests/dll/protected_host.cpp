@@ -26,6 +26,8 @@ void InBothFiles(Function function) {
   }
 }
 
+int LastError() { return static_cast<int>(prefs::GetLastSaveResult().error); }
+
 bool Save() {
   prefs::Get().SavePreferences();
   return prefs::GetLastSaveResult().result == prefs::ESaveResult::kSaved;
@@ -44,7 +46,7 @@ int SaveRounds(const wchar_t* progress_file) {
       }
     });
     if (!Save()) {
-      return EXIT_FAILURE;
+      return LastError();
     }
     DWORD count = 0;
     SetFilePointer(progress, 0, nullptr, FILE_BEGIN);
@@ -57,7 +59,7 @@ int SaveDistinct(const std::wstring& name, int count) {
   for (int i = 0; i < count; ++i) {
     InBothFiles([&] { prefs::Get().WriteInt(L"Distinct", name + L' ' + std::to_wstring(i), i); });
     if (!Save()) {
-      return EXIT_FAILURE;
+      return LastError();
     }
   }
   return EXIT_SUCCESS;
@@ -72,7 +74,7 @@ int SaveCommon(int count) {
       prefs::Get().WriteInt(L"Common", key, value + 1);
     });
     if (!Save()) {
-      return EXIT_FAILURE;
+      return LastError();
     }
   }
   return EXIT_SUCCESS;
