@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <typeinfo>
@@ -11,8 +10,10 @@
 
 #include "prefs/FoldedName.h"
 #include "prefs/JsonText.h"
+#include "prefs/PreferenceFiles.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/PreferencesJson.h"
+#include "prefs/SaveMode.h"
 #include "utils/Files.h"
 
 namespace vemora::prefs {
@@ -44,23 +45,12 @@ bool CanBeStored(const Variant& value) {
   }
 }
 
-/// Nothing when the file is missing, unreadable or empty.
-std::optional<LoadedLevels> LoadFile(const vemora_ustring& path, EShareLevel first,
-                                     EShareLevel last) {
-  std::size_t size = 0;
-  const std::unique_ptr<char[]> text = utils::ReadWholeFile(path, &size);
-  if (text == nullptr || size == 0) {
-    return std::nullopt;
-  }
-  return ReadLevels(text.get(), size, first, last);
+PreferenceFile SharedFile(const vemora_ustring& path) {
+  return {path, kFirstSharedLevel, kLastSharedLevel};
 }
 
-std::optional<LoadedLevels> LoadSharedFile(const vemora_ustring& path) {
-  return LoadFile(path, kFirstSharedLevel, kLastSharedLevel);
-}
-
-std::optional<LoadedLevels> LoadPrivateFile(const vemora_ustring& path) {
-  return LoadFile(path, kThisComputerOnly, kThisComputerOnly);
+PreferenceFile PrivateFile(const vemora_ustring& path) {
+  return {path, kThisComputerOnly, kThisComputerOnly};
 }
 
 /// Replaces the levels that the file provided.
@@ -71,6 +61,9 @@ void TakeLevels(std::optional<LoadedLevels> loaded, LevelMaps& levels) noexcept 
     }
   }
 }
+
+/// Whether what is deleted may be in a file all the same, where another process has put it.
+bool NotesAbsentNames() { return GetSaveMode() == ESaveMode::kProtected; }
 
 /// A level that can hold preferences.
 EShareLevel Usable(EShareLevel level) { return IsLevel(level) ? level : kThisComputerOnly; }
@@ -106,12 +99,6 @@ PreferenceValue ToPreferenceValue(const Variant& value, std::string& buffer) {
   }
 }
 
-void SaveFile(const vemora_ustring& path, const LevelMaps& levels, EShareLevel first,
-              EShareLevel last) {
-  const std::string text = WriteLevels(levels, first, last);
-  utils::WriteWholeFile(text.data(), text.size(), path);
-}
-
 }  // namespace
 
 JsonCommon::JsonCommon() = default;
@@ -141,8 +128,7 @@ JsonCommon::~JsonCommon() {
       DeletePreferences();
     }
     if (savePrefs && dirty) {
-      SaveSharedPreferences();
-      SavePrivatePreferences();
+      JsonCommon::SavePreferences();
     }
   } catch (const std::exception&) {
     // Out of memory. A host that is shutting down is not to be torn down by its preferences.
@@ -161,6 +147,12 @@ bool JsonCommon::CategoryExists(const vemora_ustring& category) {
 
 void JsonCommon::DeleteCategory(const vemora_ustring& category) {
   const FoldedName name(category);
+  // All noted first, so that running out of memory deletes nothing.
+  for (PreferenceMap& level : levels) {
+    if (NotesAbsentNames() || level.HasCategory(name)) {
+      level.NoteErased(category);
+    }
+  }
   for (PreferenceMap& level : levels) {
     if (level.EraseCategory(name)) {
       dirty = true;
@@ -170,7 +162,11 @@ void JsonCommon::DeleteCategory(const vemora_ustring& category) {
 
 void JsonCommon::DeletePreference(const vemora_ustring& category, const vemora_ustring& key) {
   const FoldedPair pair(category, key);
-  if (levels[LevelOf(pair)].Erase(pair)) {
+  PreferenceMap& level = levels[LevelOf(pair)];
+  if (NotesAbsentNames() || level.Find(pair) != nullptr) {
+    level.NoteErased(category, key);
+  }
+  if (level.Erase(pair)) {
     dirty = true;
   }
 }
@@ -250,18 +246,21 @@ void JsonCommon::LoadPreferences() {
   // Running out of memory is over before anything changes: what one file holds, or half a
   // classification, is not to be saved over the other file.
   Classification classification = Classification::MakeBuiltIn();
-  std::optional<LoadedLevels> shared = LoadSharedFile(sharedPath);
-  std::optional<LoadedLevels> own = LoadPrivateFile(privatePath);
+  std::vector<LoadedFile> loaded =
+      LoadFiles({SharedFile(sharedPath), PrivateFile(privatePath)}, GetPathOfLock());
   SetClassification(std::move(classification));
-  // A store without its shared file writes one when it goes, even if nothing changed.
-  dirty = !shared.has_value();
-  TakeLevels(std::move(shared), levels);
-  TakeLevels(std::move(own), levels);
+  TakeShared(std::move(loaded.front()));
+  TakeLevels(std::move(loaded.back().levels), levels);
 }
 
 void JsonCommon::SavePreferences() {
-  SaveSharedPreferences();
-  SavePrivatePreferences();
+  if (GetSaveMode() == ESaveMode::kRewriteInPlace) {
+    SaveSharedPreferences();
+    SavePrivatePreferences();
+  } else if (SaveFiles(levels, {SharedFile(sharedPath), PrivateFile(privatePath)},
+                       GetPathOfLock())) {
+    dirty = false;
+  }
 }
 
 void JsonCommon::Synchronize() { SavePreferences(); }
@@ -348,7 +347,15 @@ void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
                           const vemora_ustring& newSharedPath) {
   // Copied first: either argument may be the path that the other replaces.
   vemora_ustring new_private_path = newPrivatePath;
-  sharedPath = newSharedPath;
+  vemora_ustring new_shared_path = newSharedPath;
+  if (new_private_path != privatePath) {
+    levels[kThisComputerOnly].ChangeAll();
+  }
+  if (new_shared_path != sharedPath) {
+    std::for_each(levels.begin() + kFirstSharedLevel, levels.end(),
+                  [](PreferenceMap& level) { level.ChangeAll(); });
+  }
+  sharedPath = std::move(new_shared_path);
   privatePath = std::move(new_private_path);
 }
 
@@ -379,21 +386,35 @@ bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring&
 void JsonCommon::LoadLevelData() { SetClassification(Classification::MakeBuiltIn()); }
 
 void JsonCommon::LoadSharedPreferences() {
-  std::optional<LoadedLevels> shared = LoadSharedFile(sharedPath);
-  dirty = !shared.has_value();
-  TakeLevels(std::move(shared), levels);
+  TakeShared(std::move(LoadFiles({SharedFile(sharedPath)}, GetPathOfLock()).front()));
 }
 
-void JsonCommon::LoadPrivatePreferences() { TakeLevels(LoadPrivateFile(privatePath), levels); }
+void JsonCommon::LoadPrivatePreferences() {
+  TakeLevels(std::move(LoadFiles({PrivateFile(privatePath)}, GetPathOfLock()).front().levels),
+             levels);
+}
 
 void JsonCommon::SaveSharedPreferences() {
-  SaveFile(sharedPath, levels, kFirstSharedLevel, kLastSharedLevel);
-  // Even if the file could not be written: the result of the write is not looked at.
-  dirty = false;
+  if (SaveFiles(levels, {SharedFile(sharedPath)}, GetPathOfLock())) {
+    dirty = false;
+  }
 }
 
 void JsonCommon::SavePrivatePreferences() {
-  SaveFile(privatePath, levels, kThisComputerOnly, kThisComputerOnly);
+  SaveFiles(levels, {PrivateFile(privatePath)}, GetPathOfLock());
+}
+
+void JsonCommon::TakeShared(LoadedFile&& loaded) noexcept {
+  // A store without its shared file writes one when it goes, even if nothing changed. One that is
+  // only held by another program at the moment makes no such difference.
+  if (!loaded.unreadable) {
+    dirty = !loaded.levels.has_value();
+  }
+  TakeLevels(std::move(loaded.levels), levels);
+}
+
+const vemora_ustring& JsonCommon::GetPathOfLock() const {
+  return sharedPath.empty() ? privatePath : sharedPath;
 }
 
 /// Whether nobody has overridden `GetLevel`, so that its answer can be had without the call.

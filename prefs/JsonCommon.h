@@ -34,6 +34,8 @@ using PreferenceVisitor =
     std::function<void(EShareLevel level, const vemora_ustring& category, const vemora_ustring& key,
                        const utils::Variant& value)>;
 
+struct LoadedFile;
+
 /// The preferences of each share level, indexed by `EShareLevel`.
 using LevelMaps = std::array<PreferenceMap, kShareLevelCount>;
 
@@ -42,7 +44,7 @@ using LevelMaps = std::array<PreferenceMap, kShareLevelCount>;
 /// The level of a preference follows from its name: a built-in table knows some pairs of category
 /// and key, all others take the default share level of PreferencesDefaults.h. Reads and writes look
 /// at that one level only. Missing, unreadable and malformed files count as empty; failed saves are
-/// not reported.
+/// not reported. Both is otherwise in the protected mode of SaveMode.h.
 ///
 ///     JsonCommon store;
 ///     store.SetPaths(L"C:/Users/u/private.json", L"C:/Users/u/shared.json");
@@ -92,7 +94,7 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   /// were, so loading other files keeps what these lack. Running out of memory changes nothing.
   void LoadPreferences() override;
 
-  /// Rewrites both files, whether or not anything changed.
+  /// Saves both files, whether or not anything changed.
   void SavePreferences() override;
 
   /// The same as `SavePreferences`; nothing is loaded again.
@@ -171,6 +173,8 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   Place Locate(const FoldedPair& pair);
   const Preference* FindPreference(const FoldedPair& pair) { return Locate(pair).preference; }
   void Store(const FoldedPair& pair, const PreferenceValue& value);
+  void TakeShared(LoadedFile&& loaded) noexcept;
+  const vemora_ustring& GetPathOfLock() const;
 
   LevelMaps levels;
   Classification levelData;

@@ -1,10 +1,13 @@
 #include "prefs/PreferenceMap.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <iterator>
 #include <limits>
 #include <new>
+#include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -24,7 +27,7 @@ constexpr std::uint32_t kNone = SlotTable::kNone;
 
 std::uint32_t CheckedLength(std::string_view name) {
   if (name.size() > PreferenceMap::kLongestName) {
-    throw std::length_error("a name of 128 MiB in the preferences");
+    throw std::length_error("a name of 64 MiB in the preferences");
   }
   return static_cast<std::uint32_t>(name.size());
 }
@@ -125,6 +128,14 @@ class PreferenceMap::Tables {
 
   void ForgetHomes() noexcept;
 
+  void NoteErased(const vemora_ustring& category, std::optional<vemora_ustring> key) {
+    erased_.emplace(category, std::move(key));
+  }
+  void ApplyChangesTo(PreferenceMap& other) const;
+  void ForgetChanges(std::size_t file) noexcept;
+  void ChangeAll() noexcept;
+  std::size_t GetFile() const { return file_; }
+
   void OpenCategory(std::string_view name);
   void EmptyOpenCategory();
   void CloseCategories();
@@ -162,6 +173,18 @@ class PreferenceMap::Tables {
                  : name.EqualsImage(stored.data() + PaddedSize(stored.size()));
   }
 
+  /// Calls `function` with every preference and its category.
+  template <typename Function>
+  void ForEach(Function function) const {
+    for (const std::uint32_t category : categories_) {
+      for (std::uint32_t ref = CategoryAt(category).first; ref != kNone; ref = At(ref).next_) {
+        if (At(ref).kind_ != Kind::kErased) {
+          function(CategoryAt(category), At(ref));
+        }
+      }
+    }
+  }
+
   Content MakeContent(const PreferenceValue& value);
   TextHeader* NewText(std::string_view text);
   PreferenceValue ValueOf(const Preference& preference) const;
@@ -180,8 +203,8 @@ class PreferenceMap::Tables {
   static std::size_t SizeOf(const CategoryEntry& category) {
     return SizeWithTail(category, category.Name(), category.ascii != 0);
   }
-  void Append(std::uint32_t category, std::uint32_t hash, const FoldedName& folded,
-              std::string_view key, const PreferenceValue& value);
+  Preference& Append(std::uint32_t category, std::uint32_t hash, const FoldedName& folded,
+                     std::string_view key, const PreferenceValue& value);
   std::uint32_t NewPreference(std::uint32_t hash, const FoldedName& folded, std::string_view key,
                               const PreferenceValue& value);
   void Chain(std::uint32_t ref, std::uint32_t category) noexcept;
@@ -206,10 +229,12 @@ class PreferenceMap::Tables {
   bool in_order_ = false;  // the keys of the open category, as far as it was filled
   std::vector<SlotTable::Slot>
       unslotted_;  // preferences that `CloseCategories` puts into the table
+  std::set<std::pair<vemora_ustring, std::optional<vemora_ustring>>> erased_;
+  std::size_t file_ = 0;
 };
 
 /// Leaves out what is waste.
-PreferenceMap::Tables::Tables(const Tables& other) {
+PreferenceMap::Tables::Tables(const Tables& other) : erased_(other.erased_), file_(other.file_) {
   preference_slots_.Reserve(other.preference_slots_.Count());
   for (const std::uint32_t other_category : other.categories_) {
     const CategoryEntry& category = other.CategoryAt(other_category);
@@ -249,12 +274,12 @@ void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& v
   const std::string key = pair.key_name.ToUtf8();
   std::uint32_t category = FindCategory(pair.category);
   if (category != kNone) {
-    Append(category, pair.hash, pair.key, key, value);
+    Append(category, pair.hash, pair.key, key, value).changed_ = 1;
     return;
   }
   category = AddCategory(pair.category_name.ToUtf8(), pair.category);
   try {
-    Append(category, pair.hash, pair.key, key, value);
+    Append(category, pair.hash, pair.key, key, value).changed_ = 1;
   } catch (...) {
     EraseCategory(category);
     throw;
@@ -280,11 +305,52 @@ void PreferenceMap::Tables::EraseCategory(std::uint32_t ref) noexcept {
 }
 
 void PreferenceMap::Tables::ForgetHomes() noexcept {
-  for (const std::uint32_t category : categories_) {
-    for (std::uint32_t ref = CategoryAt(category).first; ref != kNone; ref = At(ref).next_) {
-      At(ref).at_home_ = 0;
+  ForEach(
+      [](const CategoryEntry& /*category*/, Preference& preference) { preference.at_home_ = 0; });
+}
+
+void PreferenceMap::Tables::ApplyChangesTo(PreferenceMap& other) const {
+  for (const auto& [category, key] : erased_) {
+    if (key.has_value()) {
+      other.Erase({category, *key});
+    } else {
+      other.EraseCategory(FoldedName(category));
     }
   }
+  ForEach([this, &other](const CategoryEntry& category, const Preference& preference) {
+    if (preference.changed_ == 0) {
+      return;
+    }
+    const vemora_ustring category_name = vemora_ustring::FromUtf8(category.Name());
+    const vemora_ustring key = vemora_ustring::FromUtf8(preference.Name());
+    const FoldedPair pair(category_name, key);
+    if (Preference* const found = other.Find(pair)) {
+      other.Assign(*found, ValueOf(preference));
+    } else {
+      other.Add(pair, ValueOf(preference));
+    }
+  });
+}
+
+void PreferenceMap::Tables::ForgetChanges(std::size_t file) noexcept {
+  const auto fits_into_file = [](const Preference& preference) {
+    const double* const real = preference.GetDouble();
+    return preference.kind_ != Kind::kOther && (real == nullptr || std::isfinite(*real));
+  };
+  ForEach([&](const CategoryEntry& /*category*/, Preference& preference) {
+    if (fits_into_file(preference)) {
+      preference.changed_ = 0;
+    }
+  });
+  erased_.clear();
+  file_ = file;
+}
+
+void PreferenceMap::Tables::ChangeAll() noexcept {
+  ForEach(
+      [](const CategoryEntry& /*category*/, Preference& preference) { preference.changed_ = 1; });
+  erased_.clear();
+  file_ = 0;
 }
 
 void PreferenceMap::Tables::OpenCategory(std::string_view name) {
@@ -453,13 +519,14 @@ void PreferenceMap::Tables::Assign(Preference& preference, const PreferenceValue
 }
 
 /// Adds a preference that the category lacks.
-void PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t hash,
-                                   const FoldedName& folded, std::string_view key,
-                                   const PreferenceValue& value) {
+Preference& PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t hash,
+                                          const FoldedName& folded, std::string_view key,
+                                          const PreferenceValue& value) {
   preference_slots_.Reserve(1);
   const std::uint32_t ref = NewPreference(hash, folded, key, value);
   preference_slots_.Add(hash, ref);
   Chain(ref, category);
+  return At(ref);
 }
 
 /// A preference that is in no category yet.
@@ -475,6 +542,7 @@ std::uint32_t PreferenceMap::Tables::NewPreference(std::uint32_t hash, const Fol
   preference->length_ = length & kLongestName;
   preference->ascii_ = folded.IsNameAscii() ? 1 : 0;
   preference->at_home_ = 0;
+  preference->changed_ = 0;
   preference->kind_ = content.kind;
   WriteTail(reinterpret_cast<char*>(preference + 1), key, folded);
   return ref;
@@ -620,6 +688,7 @@ void PreferenceMap::Add(const FoldedPair& pair, const PreferenceValue& value) {
 
 void PreferenceMap::Assign(Preference& preference, const PreferenceValue& value) {
   tables_->Assign(preference, value);
+  preference.changed_ = 1;
   DropWaste();
 }
 
@@ -675,6 +744,34 @@ void PreferenceMap::CloseCategories() {
     tables_->CloseCategories();
   }
 }
+
+void PreferenceMap::NoteErased(const vemora_ustring& category, const vemora_ustring& key) {
+  MakeTables().NoteErased(category, key);
+}
+
+void PreferenceMap::NoteErased(const vemora_ustring& category) {
+  MakeTables().NoteErased(category, std::nullopt);
+}
+
+void PreferenceMap::ApplyChangesTo(PreferenceMap& other) const {
+  if (tables_ != nullptr) {
+    tables_->ApplyChangesTo(other);
+  }
+}
+
+void PreferenceMap::ForgetChanges(std::size_t file) noexcept {
+  if (tables_ != nullptr) {
+    tables_->ForgetChanges(file);
+  }
+}
+
+void PreferenceMap::ChangeAll() noexcept {
+  if (tables_ != nullptr) {
+    tables_->ChangeAll();
+  }
+}
+
+std::size_t PreferenceMap::GetFile() const { return tables_ != nullptr ? tables_->GetFile() : 0; }
 
 std::size_t PreferenceMap::MemoryUsed() const {
   return tables_ != nullptr ? tables_->MemoryUsed() : 0;

@@ -65,9 +65,10 @@ class Preference {
   std::uint32_t category_;
   std::uint32_t next_;  // of the same category
   std::uint32_t hash_;
-  std::uint32_t length_ : 27;  // of the name
+  std::uint32_t length_ : 26;  // of the name
   std::uint32_t ascii_ : 1;    // whether the name is
   std::uint32_t at_home_ : 1;
+  std::uint32_t changed_ : 1;
   Kind kind_ : 3;
 };
 
@@ -75,12 +76,15 @@ class Preference {
 /// spelling of its first writer. One hash of both names finds a preference; the names are put in
 /// order when somebody walks through them.
 ///
-/// Out of memory (std::bad_alloc), an operation changes nothing. Names of 128 MiB and more are
+/// The map knows how it differs from the file that it was read from or written to last: which
+/// preferences were added or assigned since, and which were noted as erased.
+///
+/// Out of memory (std::bad_alloc), an operation changes nothing. Names of 64 MiB and more are
 /// refused (std::length_error).
 class PreferenceMap {
  public:
   /// In bytes.
-  static constexpr std::uint32_t kLongestName = (1U << 27) - 1;
+  static constexpr std::uint32_t kLongestName = (1U << 26) - 1;
 
   /// A category, for walking through the map.
   struct Category {
@@ -137,6 +141,26 @@ class PreferenceMap {
   std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
   void CloseCategories();
   /// @}
+
+  /// Notes that a preference or a whole category is meant to be gone, also from a file where it is
+  /// not known yet. It is not erased here.
+  /// @{
+  void NoteErased(const utils::vemora_ustring& category, const utils::vemora_ustring& key);
+  void NoteErased(const utils::vemora_ustring& category);
+  /// @}
+
+  /// Makes the changes of this map in another one: first what was erased, then what was set.
+  void ApplyChangesTo(PreferenceMap& other) const;
+
+  /// A file holds what the map holds, but for values that no file can hold: these stay changes.
+  /// @param file a hash of what is in the file; 0 when it is not known
+  void ForgetChanges(std::size_t file) noexcept;
+
+  /// Another file is meant from now on: relative to it, all that is stored is a change.
+  void ChangeAll() noexcept;
+
+  /// What `ForgetChanges` was told; 0 for a map that never held anything.
+  std::size_t GetFile() const;
 
   /// Bytes of memory for what is stored, which is about as much as it takes in a file.
   std::size_t MemoryUsed() const;

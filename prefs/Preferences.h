@@ -4,6 +4,7 @@
 #pragma once
 
 #include "prefs/IPreferences.h"
+#include "prefs/SaveMode.h"
 #include "prefs/ShareLevel.h"
 #include "utils/Export.h"
 #include "utils/vemora_ustring.h"

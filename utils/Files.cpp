@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
 #include <ctime>
 #include <limits>
 #include <new>
@@ -163,6 +164,52 @@ void RemoveFilesOf(const vemora_ustring& folder, std::vector<vemora_ustring>& fo
       folders.push_back(path);
     }
   } while (FindNextFileW(search.get(), &entry) != 0);
+}
+
+/// Why the call before failed; never 0.
+SystemError GetLastSystemError() {
+  const DWORD error = GetLastError();
+  return error != 0 ? error : ERROR_GEN_FAILURE;
+}
+
+SystemError ErrorUnless(BOOL success) { return success != 0 ? 0 : GetLastSystemError(); }
+
+/// Calls `function` until it gives an error that waiting is no cure for, or none.
+template <typename Function, typename IsPassing>
+SystemError Retry(Function function, IsPassing isPassing) {
+  constexpr int kTries = 5;
+  constexpr DWORD kPause = 100;
+  SystemError error = function();
+  for (int tries = 1; tries < kTries && error != 0 && isPassing(error); ++tries) {
+    Sleep(kPause);
+    error = function();
+  }
+  return error;
+}
+
+SystemError ReadAll(HANDLE file, std::string& bytes) {
+  LARGE_INTEGER size = {};
+  if (GetFileSizeEx(file, &size) == 0) {
+    return GetLastSystemError();
+  }
+  if (size.HighPart != 0) {
+    return ERROR_FILE_TOO_LARGE;
+  }
+  bytes.resize(size.LowPart);
+  DWORD count = 0;
+  if (ReadFile(file, bytes.data(), size.LowPart, &count, nullptr) == 0) {
+    return GetLastSystemError();
+  }
+  return count == size.LowPart ? 0 : ERROR_HANDLE_EOF;
+}
+
+SystemError WriteAll(HANDLE file, std::string_view bytes) {
+  DWORD count = 0;
+  if (WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &count, nullptr) == 0) {
+    return GetLastSystemError();
+  }
+  // Not every system calls this an error.
+  return count == bytes.size() ? 0 : ERROR_DISK_FULL;
 }
 
 }  // namespace
@@ -337,6 +384,148 @@ bool RemoveFolder(const vemora_ustring& path) {
   std::for_each(folders.rbegin(), folders.rend(),
                 [&removed](const vemora_ustring& each) { removed = RemoveEmptyFolder(each); });
   return removed;
+}
+
+const SystemError kOutOfMemory = ERROR_NOT_ENOUGH_MEMORY;
+
+bool FileExists(const vemora_ustring& path) { return IsRegularFile(GetAttributes(path)); }
+
+FileBytes ReadFileBytes(const vemora_ustring& path) {
+  if (!CanNameFile(path)) {
+    return {std::nullopt, path.empty() ? 0 : DWORD{ERROR_INVALID_NAME}};
+  }
+  FileBytes result;
+  UniqueHandle file;
+  const auto open = [&] {
+    file.reset(ValidOrNull(CreateFileW(path.c_str(), FILE_GENERIC_READ,
+                                       FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr)));
+    return file != nullptr ? 0 : GetLastSystemError();
+  };
+  result.error = Retry(open, [](SystemError error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+  });
+  if (result.error == ERROR_FILE_NOT_FOUND || result.error == ERROR_PATH_NOT_FOUND) {
+    return {};
+  }
+  if (result.error == 0) {
+    std::string bytes;
+    result.error = ReadAll(file.get(), bytes);
+    if (result.error == 0) {
+      result.bytes = std::move(bytes);
+    }
+  }
+  return result;
+}
+
+SystemError WriteFileFlushed(const vemora_ustring& path, std::string_view bytes) {
+  if (!CanNameFile(path)) {
+    return ERROR_INVALID_NAME;
+  }
+  if (bytes.size() > std::numeric_limits<DWORD>::max()) {
+    return ERROR_FILE_TOO_LARGE;
+  }
+  // A hidden or read-only one would not be rewritten.
+  DeleteFileIfPresent(path);
+  const UniqueHandle file(ValidOrNull(CreateFileW(path.c_str(), FILE_GENERIC_WRITE, 0, nullptr,
+                                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)));
+  if (file == nullptr) {
+    return GetLastSystemError();
+  }
+  const SystemError error = WriteAll(file.get(), bytes);
+  return error != 0 ? error : ErrorUnless(FlushFileBuffers(file.get()));
+}
+
+SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustring& to) {
+  if (!CanNameFile(from) || !CanNameFile(to)) {
+    return ERROR_INVALID_NAME;
+  }
+  const DWORD attributes = GetAttributes(to);
+  const bool replaces = IsRegularFile(attributes);
+  const bool read_only = replaces && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+  if (replaces) {
+    SetFileAttributesW(from.c_str(), attributes);
+  }
+  if (read_only) {
+    SetFileAttributesW(to.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  }
+  // One rename, and not ReplaceFileW: that one needs a file to replace, moves it aside first, and
+  // so has failures that leave nothing under its name.
+  const auto move = [&] {
+    return ErrorUnless(
+        MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
+  };
+  const SystemError error = Retry(move, [](SystemError each) {
+    return each != ERROR_FILE_NOT_FOUND && each != ERROR_PATH_NOT_FOUND;
+  });
+  if (error != 0 && read_only) {
+    SetFileAttributesW(to.c_str(), attributes);
+  }
+  return error;
+}
+
+namespace {
+
+/// Two bytes of the lock file: who has the second one has the lock, who has the first one is next.
+/// Without the first, a process that saves again and again would keep all others waiting.
+constexpr DWORD kNext = 0;
+constexpr DWORD kHeld = 1;
+
+OVERLAPPED ByteAt(DWORD offset) {
+  OVERLAPPED place = {};
+  place.Offset = offset;
+  return place;
+}
+
+/// Polls, as not every system lets a lock be waited for with a limit.
+SystemError LockByte(HANDLE file, DWORD offset, ULONGLONG deadline) {
+  constexpr DWORD kPause = 5;
+  for (;;) {
+    OVERLAPPED place = ByteAt(offset);
+    const SystemError error = ErrorUnless(
+        LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place));
+    if (error != ERROR_LOCK_VIOLATION || GetTickCount64() >= deadline) {
+      return error;
+    }
+    Sleep(kPause);
+  }
+}
+
+void UnlockByte(HANDLE file, DWORD offset) {
+  OVERLAPPED place = ByteAt(offset);
+  UnlockFileEx(file, 0, 1, 0, &place);
+}
+
+}  // namespace
+
+FileLock::FileLock(const vemora_ustring& path, std::chrono::milliseconds wait) {
+  const HANDLE file = CanNameFile(path)
+                          ? CreateFileW(path.c_str(), FILE_GENERIC_READ | FILE_GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                        nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)
+                          : INVALID_HANDLE_VALUE;
+  file_ = reinterpret_cast<std::intptr_t>(file);
+  if (file == INVALID_HANDLE_VALUE) {
+    error_ = CanNameFile(path) ? GetLastSystemError() : ERROR_INVALID_NAME;
+    return;
+  }
+  const ULONGLONG deadline = GetTickCount64() + static_cast<ULONGLONG>(wait.count());
+  error_ = LockByte(file, kNext, deadline);
+  if (error_ == 0) {
+    error_ = LockByte(file, kHeld, deadline);
+    UnlockByte(file, kNext);
+  }
+}
+
+// Closing the file would give up its locks, but some systems take their time over it.
+FileLock::~FileLock() {
+  const auto file = reinterpret_cast<HANDLE>(file_);
+  if (file != INVALID_HANDLE_VALUE) {
+    if (error_ == 0) {
+      UnlockByte(file, kHeld);
+    }
+    CloseHandle(file);
+  }
 }
 
 }  // namespace vemora::utils

@@ -95,6 +95,8 @@ int main(int argc, char** argv) {
   const std::filesystem::path private_file = folder / "private.json";
   const std::filesystem::path shared_file = folder / "shared.json";
 
+  // Saves that survive crashes and keep what other programs save.
+  prefs::SetSaveMode(prefs::ESaveMode::kProtected);
   prefs::SetPaths(private_file.wstring(), shared_file.wstring(), {});
   WriteAndReadEveryType(prefs::kThisComputerOnly);
   WriteAndReadEveryType(prefs::kSharedForAllComputers);
@@ -103,6 +105,11 @@ int main(int argc, char** argv) {
   ShowOverwriteProtection();
   WriteAndReadDictionary();
   prefs::Get().SavePreferences();
+  if (const prefs::SaveResult save = prefs::GetLastSaveResult();
+      save.result == prefs::ESaveResult::kFailed) {
+    std::cerr << "not saved, error " << save.error << '\n';
+    return 1;
+  }
 
   PrintFile(private_file);
   PrintFile(shared_file);

@@ -1,8 +1,10 @@
 // Stands in for the part of utils/Files.cpp that the JSON store uses: files in memory, for speed.
 #include "utils/Files.h"
 
+#include <cerrno>
 #include <map>
 #include <string>
+#include <utility>
 
 namespace vemora::utils {
 namespace {
@@ -36,5 +38,30 @@ bool DeleteFileIfPresent(const vemora_ustring& path) {
   AllFiles().erase(path);
   return true;
 }
+
+const SystemError kOutOfMemory = ENOMEM;
+
+bool FileExists(const vemora_ustring& path) { return AllFiles().count(path) != 0; }
+
+FileBytes ReadFileBytes(const vemora_ustring& path) {
+  const auto file = AllFiles().find(path);
+  return file != AllFiles().end() ? FileBytes{file->second} : FileBytes{};
+}
+
+SystemError WriteFileFlushed(const vemora_ustring& path, std::string_view bytes) {
+  AllFiles()[path] = bytes;
+  return 0;
+}
+
+SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustring& to) {
+  AllFiles()[to] = std::move(AllFiles()[from]);
+  AllFiles().erase(from);
+  return 0;
+}
+
+// There is one process.
+FileLock::FileLock(const vemora_ustring& /*path*/, std::chrono::milliseconds /*wait*/) : file_(0) {}
+
+FileLock::~FileLock() = default;
 
 }  // namespace vemora::utils

@@ -9,8 +9,10 @@
 #include "failing_allocator.h"
 #include "prefs/JsonCommon.h"
 #include "prefs/PreferencesDefaults.h"
+#include "prefs/SaveMode.h"
 #include "support.h"
 #include "utils/Dictionary.h"
+#include "utils/Files.h"
 #include "utils/Variant.h"
 
 namespace vemora::prefs {
@@ -193,6 +195,44 @@ TEST(OutOfMemoryInSave, LeavesTheFilesWhole) {
     ASSERT_EQ(testing::ReadBytes(private_file), old_text) << allocations;
   }
   EXPECT_NE(testing::ReadBytes(private_file), old_text);
+}
+
+TEST(OutOfMemoryInProtectedSave, LeavesBothFilesWholeAndTheStoreWithItsChanges) {
+  const ScratchFolder folder;
+  const auto private_file = folder / "private.json";
+  const auto shared_file = folder / "shared.json";
+  SetSaveMode(ESaveMode::kProtected);
+  FilledStore store;
+  store.SetPaths(ToText(private_file), ToText(shared_file));
+  store.SavePreferences();
+  FilledStore other;
+  other.SetPaths(store.GetPrivatePath(), store.GetSharedPath());
+  other.LoadPreferences();
+  other.WriteString(kNewCategory, kOldKey, kOldText);
+  other.SavePreferences();
+  const std::string old_text = testing::ReadBytes(private_file);
+  store.WriteString(kNewCategory, kNewKey, kNewText);
+  store.DeletePreference(kOldCategory, kOldKey);
+  for (int allocations = 0; !Succeeds(allocations, [&store] { store.SavePreferences(); });
+       ++allocations) {
+    ASSERT_EQ(testing::ReadBytes(private_file), old_text) << allocations;
+  }
+  EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kSaved);
+  SetSaveMode(ESaveMode::kRewriteInPlace);
+  EXPECT_EQ(store.ReadString(kNewCategory, kNewKey, "none"), kNewText);
+  EXPECT_EQ(store.ReadString(kNewCategory, kOldKey, "none"), kOldText);
+  EXPECT_FALSE(store.IsPreferenceSet(kOldCategory, kOldKey));
+}
+
+TEST(OutOfMemoryInProtectedSave, IsTheResult) {
+  const ScratchFolder folder;
+  SetSaveMode(ESaveMode::kProtected);
+  FilledStore store;
+  store.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
+  EXPECT_FALSE(Succeeds(3, [&store] { store.SavePreferences(); }));
+  EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kFailed);
+  EXPECT_EQ(GetLastSaveResult().error, utils::kOutOfMemory);
+  SetSaveMode(ESaveMode::kRewriteInPlace);
 }
 
 TEST(OutOfMemoryInDictionaries, ReadGivesTheWholeEntryOrNone) {

@@ -75,18 +75,22 @@ inline constexpr char kDeleteFile[] = "DeleteFileW";
 inline constexpr char kFindClose[] = "FindClose";
 inline constexpr char kFindFirstFile[] = "FindFirstFileW";
 inline constexpr char kFindNextFile[] = "FindNextFileW";
+inline constexpr char kFlushFile[] = "FlushFileBuffers";
 inline constexpr char kGetFileAttributes[] = "GetFileAttributesW";
 inline constexpr char kGetFileInformation[] = "GetFileInformationByHandle";
 inline constexpr char kGetFileSize[] = "GetFileSizeEx";
 inline constexpr char kGetFullPathName[] = "GetFullPathNameW";
 inline constexpr char kGetProcAddress[] = "GetProcAddress";
 inline constexpr char kLoadLibrary[] = "LoadLibraryExW";
+inline constexpr char kLockFile[] = "LockFileEx";
 inline constexpr char kMakeFolder[] = "_wmkdir";
 inline constexpr char kMoveFile[] = "MoveFileW";
+inline constexpr char kMoveFileEx[] = "MoveFileExW";
 inline constexpr char kReadFile[] = "ReadFile";
 inline constexpr char kRemoveFolder[] = "RemoveDirectoryW";
 inline constexpr char kSetFileAttributes[] = "SetFileAttributesW";
 inline constexpr char kStat[] = "_wstat64";
+inline constexpr char kUnlockFile[] = "UnlockFileEx";
 inline constexpr char kWriteFile[] = "WriteFile";
 }  // namespace imports
 
@@ -181,6 +185,30 @@ inline Fault PathCannotBeCompleted() {
 
 inline Fault MoveFails() {
   return MakeFault<imports::kMoveFile, decltype(MoveFileW)>("MoveFails", FailWith(FALSE));
+}
+
+inline Fault ReplaceFails() {
+  return MakeFault<imports::kMoveFileEx, decltype(MoveFileExW)>(
+      "ReplaceFails", FailWith(FALSE, ERROR_SHARING_VIOLATION));
+}
+
+inline Fault FlushFails() {
+  return MakeFault<imports::kFlushFile, decltype(FlushFileBuffers)>(
+      "FlushFails", FailWith(FALSE, ERROR_DISK_FULL));
+}
+
+inline Fault LockFails() {
+  return MakeFault<imports::kLockFile, decltype(LockFileEx)>("LockFails",
+                                                             FailWith(FALSE, ERROR_NOT_SUPPORTED));
+}
+
+inline Fault UnlockFails() {
+  return MakeFault<imports::kUnlockFile, decltype(UnlockFileEx)>("UnlockFails", FailWith(FALSE));
+}
+
+inline Fault FileIsHeld() {
+  return MakeFault<imports::kCreateFile, decltype(CreateFileW)>(
+      "FileIsHeld", FailWith(INVALID_HANDLE_VALUE, ERROR_SHARING_VIOLATION));
 }
 
 inline Fault CopyFails() {

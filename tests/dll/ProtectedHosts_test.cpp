@@ -1,0 +1,209 @@
+// Real processes save the same files in protected mode, and are killed while they do.
+
+#include <windows.h>
+
+#include <chrono>
+#include <filesystem>
+#include <iostream>
+#include <list>
+#include <random>
+#include <set>
+#include <string>
+
+#include "prefs/JsonCommon.h"
+#include "prefs/Preferences.h"
+#include "prefs/PreferencesDefaults.h"
+#include "run_program.h"
+#include "stress.h"
+#include "support.h"
+
+namespace vemora::testing {
+namespace {
+
+using prefs::EShareLevel;
+using prefs::ShareLevelOverride;
+using ::testing::UnorderedElementsAre;
+
+constexpr int kHosts = 8;
+
+/// What a program that starts now finds.
+class LoadedStore : public prefs::JsonCommon {
+ public:
+  LoadedStore(const std::filesystem::path& private_file, const std::filesystem::path& shared_file) {
+    SetPaths(ToText(private_file), ToText(shared_file));
+    SetSavePrefsFlag(false, false);
+    LoadPreferences();
+  }
+
+  int ReadAt(EShareLevel level, const std::wstring& category, const std::wstring& key) {
+    const ShareLevelOverride guard(level);
+    return ReadInt(category, key, -1);
+  }
+
+  /// The value that all have which a host writes in a round; -1 when they differ.
+  int RoundAt(EShareLevel level) {
+    constexpr int kPreferences = 200;
+    std::set<int> rounds;
+    for (int i = 0; i < kPreferences; ++i) {
+      rounds.insert(ReadAt(level, L"Numbers", std::to_wstring(i)));
+    }
+    return rounds.size() == 1 ? *rounds.begin() : -1;
+  }
+};
+
+class ProtectedHosts : public ::testing::Test {
+ protected:
+  ProtectedHosts() {
+    prefs::SetSaveMode(prefs::ESaveMode::kProtected, std::chrono::milliseconds(1));
+  }
+  ~ProtectedHosts() override { prefs::SetSaveMode(prefs::ESaveMode::kRewriteInPlace); }
+
+  LoadedStore Load() const { return {private_file, shared_file}; }
+
+  std::list<Program> Start(const std::wstring& mode, int saves) const {
+    std::list<Program> hosts;
+    for (int host = 0; host < kHosts; ++host) {
+      hosts.emplace_back(
+          L"protected_host",
+          std::vector<std::wstring>{private_file.wstring(), shared_file.wstring(),
+                                    std::to_wstring(host), mode, std::to_wstring(saves)});
+    }
+    return hosts;
+  }
+
+  std::set<std::string> FilesInFolder() const {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+      names.insert(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  const ScratchFolder folder;
+  const std::filesystem::path private_file = folder / "private.json";
+  const std::filesystem::path shared_file = folder / "shared.json";
+};
+
+/// The round that a killed host noted last.
+int ReadProgress(const std::filesystem::path& file) {
+  int round = 0;
+  std::ifstream(file, std::ios::binary).read(reinterpret_cast<char*>(&round), sizeof(round));
+  return round;
+}
+
+TEST_F(ProtectedHosts, KilledAtAnyInstantLeaveBothFilesWholeAndNoOlderThanTheLastSave) {
+  const int kills = WholeOrSample(1000, 40);
+  const auto progress_file = folder / "progress";
+  std::minstd_rand random(20182);
+  std::uniform_int_distribution<DWORD> delay(0, 40);
+  int between_files = 0;
+  int litter = 0;
+  for (int kill = 0; kill < kills; ++kill) {
+    std::filesystem::remove(progress_file);
+    Program host(L"protected_host", {private_file.wstring(), shared_file.wstring(),
+                                     progress_file.wstring(), L"rounds"});
+    while (ReadProgress(progress_file) == 0) {
+      ASSERT_TRUE(host.IsRunning());
+      Sleep(1);
+    }
+    Sleep(delay(random));
+    ASSERT_TRUE(host.IsRunning());
+    host.Kill();
+
+    const int completed = ReadProgress(progress_file);
+    LoadedStore store = Load();
+    const int private_round = store.RoundAt(prefs::kThisComputerOnly);
+    const int shared_round = store.RoundAt(prefs::kWindowsOnly);
+    // The kill may have come before a completed save was noted, and in the middle of the next.
+    ASSERT_THAT(private_round,
+                ::testing::AllOf(::testing::Ge(completed), ::testing::Le(completed + 1)));
+    ASSERT_THAT(shared_round, ::testing::AnyOf(private_round, private_round + 1));
+    between_files += shared_round != private_round ? 1 : 0;
+    litter += FilesInFolder().size() > 4 ? 1 : 0;
+  }
+  std::cout << "of " << kills << " kills: " << between_files << " between the two files, " << litter
+            << " while files were written aside\n";
+  LoadedStore store = Load();
+  store.SavePreferences();
+  EXPECT_THAT(FilesInFolder(),
+              UnorderedElementsAre("private.json", "progress", "shared.json", "shared.json.lock"));
+}
+
+TEST_F(ProtectedHosts, SavingDistinctPreferencesLoseNone) {
+  const int saves = WholeOrSample(200, 10);
+  for (Program& host : Start(L"distinct", saves)) {
+    EXPECT_EQ(host.Wait(), 0U);
+  }
+  LoadedStore store = Load();
+  int found = 0;
+  for (int host = 0; host < kHosts; ++host) {
+    for (int i = 0; i < saves; ++i) {
+      const std::wstring key = std::to_wstring(host) + L' ' + std::to_wstring(i);
+      found += store.ReadAt(prefs::kThisComputerOnly, L"Distinct", key) == i ? 1 : 0;
+      found += store.ReadAt(prefs::kWindowsOnly, L"Distinct", key) == i ? 1 : 0;
+    }
+  }
+  EXPECT_EQ(found, 2 * kHosts * saves);
+  EXPECT_THAT(FilesInFolder(),
+              UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
+}
+
+TEST_F(ProtectedHosts, SavingTheSamePreferencesLeaveFilesThatAlwaysParse) {
+  const int saves = WholeOrSample(200, 10);
+  constexpr EShareLevel kLevels[] = {prefs::kThisComputerOnly, prefs::kWindowsOnly};
+  {
+    LoadedStore first = Load();
+    for (const EShareLevel level : kLevels) {
+      const ShareLevelOverride guard(level);
+      first.WriteInt(L"First", L"key", 1);
+    }
+    first.SavePreferences();
+  }
+  std::list<Program> hosts = Start(L"common", saves);
+  // Loads wait for their turn, too.
+  prefs::SetSaveMode(prefs::ESaveMode::kProtected, std::chrono::minutes(2));
+  int loads = 0;
+  for (const Program& host : hosts) {
+    while (host.IsRunning()) {
+      LoadedStore store = Load();
+      for (const EShareLevel level : kLevels) {
+        ASSERT_EQ(store.ReadAt(level, L"First", L"key"), 1) << "load " << loads;
+      }
+      ++loads;
+    }
+  }
+  EXPECT_GT(loads, 0);
+  for (Program& host : hosts) {
+    EXPECT_EQ(host.Wait(), 0U);
+  }
+  LoadedStore store = Load();
+  for (const EShareLevel level : kLevels) {
+    for (const wchar_t* const key : {L"0", L"1", L"2", L"3"}) {
+      // Increments may be lost, as a host increments what it knew at its last save.
+      EXPECT_THAT(store.ReadAt(level, L"Common", key),
+                  ::testing::AllOf(::testing::Ge(saves / 4), ::testing::Le(2 * saves)));
+    }
+  }
+  EXPECT_THAT(FilesInFolder(),
+              UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
+}
+
+TEST_F(ProtectedHosts, KilledWhileTheyHoldTheLockBlockNobody) {
+  const auto sign = folder / "sign";
+  LoadedStore store = Load();
+  Program host(L"protected_host",
+               {(folder / "shared.json.lock").wstring(), sign.wstring(), L"hold"});
+  while (!std::filesystem::exists(sign)) {
+    ASSERT_TRUE(host.IsRunning());
+    Sleep(1);
+  }
+  store.SavePreferences();
+  EXPECT_EQ(prefs::GetLastSaveResult().result, prefs::ESaveResult::kFailed);
+  EXPECT_EQ(prefs::GetLastSaveResult().error, DWORD{ERROR_LOCK_VIOLATION});
+  host.Kill();
+  store.SavePreferences();
+  EXPECT_EQ(prefs::GetLastSaveResult().result, prefs::ESaveResult::kSaved);
+}
+
+}  // namespace
+}  // namespace vemora::testing
