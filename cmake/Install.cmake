@@ -23,7 +23,9 @@ target_sources(CommonPreferences PUBLIC
     prefs/PreferencesBase.h
     prefs/PreferencesDefaults.h
     prefs/PreferencesRegistry.h
+    prefs/SaveMode.h
     prefs/SlotTable.h
+    prefs/ValueCache.h
     prefs/testing/IPreferencesContract.h
     utils/Export.h
     utils/Registry.h

@@ -1,10 +1,6 @@
 // Makes a compiler lay out the classes of the binary interface: it does so for a class of which a
 // virtual operation is called.
 
-// MinGW's headers lack it where they are read as Visual C++ reads them.
-#include <_mingw.h>
-#define __MINGW_IMPORT extern
-
 #include "tests/dll/public_headers.h"
 
 template <typename... Classes>

@@ -8,6 +8,7 @@
 #include "prefs/PreferencesBase.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/PreferencesRegistry.h"
+#include "prefs/SaveMode.h"
 #include "prefs/ShareLevel.h"
 #include "utils/Dictionary.h"
 #include "utils/Registry.h"

@@ -1,6 +1,7 @@
 // The code in the comments of the public headers, to be compiled. Not run: it would leave
 // preferences in the registry.
 
+#include <iostream>
 #include <string>
 
 #include "prefs/JsonCommon.h"
@@ -43,6 +44,14 @@ void OfJsonCommon() {
   JsonCommon store;
   store.SetPaths(L"C:/Users/u/private.json", L"C:/Users/u/shared.json");
   store.LoadPreferences();
+}
+
+void OfForEachPreference(const JsonCommon& store) {
+  using utils::Variant;
+  store.ForEachPreference(
+      [](EShareLevel, const vemora_ustring& category, const vemora_ustring& key, const Variant&) {
+        std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
+      });
 }
 
 void OfPreferencesRegistry() {
