@@ -707,7 +707,7 @@ TEST_F(ResolveShortcutTest, IsEmptyForWhatIsNoShortcut) {
 }
 
 TEST_F(ResolveShortcutTest, IsEmptyWhenTheSystemMakesNoObjects) {
-  constexpr int kCreation = 2;  // comes after what begins and ends the use of COM
+  constexpr int kCreation = 1;  // follows what would begin the use of COM
   const vemora_ustring target = Make("target.txt");
   const vemora_ustring shortcut = MakeShortcut("x.lnk", target);
   for (const testing::Fault& fault :
