@@ -47,11 +47,9 @@ void OfJsonCommon() {
 }
 
 void OfForEachPreference(const JsonCommon& store) {
-  using utils::Variant;
-  store.ForEachPreference(
-      [](EShareLevel, const vemora_ustring& category, const vemora_ustring& key, const Variant&) {
-        std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
-      });
+  store.ForEachPreference([](EShareLevel, const auto& category, const auto& key, const auto&) {
+    std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
+  });
 }
 
 void OfPreferencesRegistry() {
