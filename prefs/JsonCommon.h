@@ -117,8 +117,7 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   /// `CompareNoCase` orders names. The store is walked as it was when the call began, in a copy:
   /// the visitor may change it, or destroy it. What the visitor throws ends the walk.
   ///
-  ///     store.ForEachPreference([](EShareLevel, const auto& category, const auto& key, const
-  ///     auto&) {
+  ///     store.ForEachPreference([](auto, const auto& category, const auto& key, const auto&) {
   ///       std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
   ///     });
   void ForEachPreference(const PreferenceVisitor& visit) const;

@@ -47,7 +47,7 @@ void OfJsonCommon() {
 }
 
 void OfForEachPreference(const JsonCommon& store) {
-  store.ForEachPreference([](EShareLevel, const auto& category, const auto& key, const auto&) {
+  store.ForEachPreference([](auto, const auto& category, const auto& key, const auto&) {
     std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
   });
 }
