@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string>
 
+#include "start_process.h"
 #include "support.h"
 
 namespace vemora::testing {
@@ -54,7 +55,7 @@ class VemoraPrefsTest : public ::testing::Test {
     GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
     const std::filesystem::path program =
         std::filesystem::path(self.data()).replace_filename(L"vemora-prefs.exe");
-    std::wstring command = L'"' + program.wstring() + L"\" " + Utf8(arguments);
+    const std::wstring command = L'"' + program.wstring() + L"\" " + Utf8(arguments);
     const std::filesystem::path out_file = folder.path().wstring() + L".out";
     const std::filesystem::path err_file = folder.path().wstring() + L".err";
     Ended ended{};
@@ -83,7 +84,7 @@ class VemoraPrefsTest : public ::testing::Test {
   const ScratchFolder folder;
 
  private:
-  DWORD RunProcess(const std::filesystem::path& program, std::wstring& command, HANDLE out,
+  DWORD RunProcess(const std::filesystem::path& program, const std::wstring& command, HANDLE out,
                    HANDLE err) const {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
@@ -91,9 +92,8 @@ class VemoraPrefsTest : public ::testing::Test {
     startup.hStdOutput = out;
     startup.hStdError = err;
     PROCESS_INFORMATION process{};
-    if (CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                       folder.path().c_str(), &startup, &process) == 0) {
-      ADD_FAILURE() << "cannot start " << program;
+    if (!StartProcess(program, command, true, folder.path().c_str(), startup, process)) {
+      ADD_FAILURE() << "cannot start " << program << ", error " << GetLastError();
       return EXIT_FAILURE;
     }
     DWORD code = EXIT_FAILURE;

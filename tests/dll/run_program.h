@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "start_process.h"
+
 namespace vemora::testing {
 
 /// A program that lies beside this one, and runs.
@@ -29,9 +31,8 @@ class Program {
     }
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
-    if (CreateProcessW(path.c_str(), command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                       &startup, &process_) == 0) {
-      ADD_FAILURE() << "cannot start " << path;
+    if (!StartProcess(path, command, false, nullptr, startup, process_)) {
+      ADD_FAILURE() << "cannot start " << path << ", error " << GetLastError();
     }
   }
   Program(const Program&) = delete;
