@@ -189,7 +189,7 @@ class PreferenceMap::Tables {
   TextHeader* NewText(std::string_view text);
   PreferenceValue ValueOf(const Preference& preference) const;
 
-  void DropValue(Preference& preference) noexcept;
+  void DropValue(const Preference& preference) noexcept;
 
   /// With what lies behind them.
   template <typename Entry>
@@ -252,8 +252,8 @@ PreferenceMap::Tables::Tables(const Tables& other) : erased_(other.erased_), fil
 }
 
 bool PreferenceMap::Tables::IsWasteful() const {
-  constexpr std::size_t kNegligible = 64 * 1024;
-  constexpr std::size_t kTooMuch = 16 * 1024 * 1024;
+  constexpr std::size_t kNegligible = std::size_t{64} * 1024;
+  constexpr std::size_t kTooMuch = std::size_t{16} * 1024 * 1024;
   return wasted_ > std::clamp(MemoryUsed() / 2, kNegligible, kTooMuch);
 }
 
@@ -621,7 +621,7 @@ void PreferenceMap::Tables::EmptyCategory(CategoryEntry& category) noexcept {
   category.last = kNone;
 }
 
-void PreferenceMap::Tables::DropValue(Preference& preference) noexcept {
+void PreferenceMap::Tables::DropValue(const Preference& preference) noexcept {
   if (preference.kind_ == Kind::kText) {
     wasted_ += sizeof(TextHeader) + preference.value_.text->capacity;
   } else if (preference.kind_ == Kind::kOther) {

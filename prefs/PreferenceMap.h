@@ -20,6 +20,8 @@ struct FoldedPair;
 using PreferenceValue = std::variant<bool, int, double, std::string_view, const utils::Variant*>;
 
 /// One preference as a PreferenceMap keeps it: 24 bytes, with its name behind them.
+// The map fills each where it makes it.
+// cppcheck-suppress noConstructor
 class Preference {
  public:
   /// UTF-8.
