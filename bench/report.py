@@ -16,8 +16,8 @@ PEERS = ("RapidJSON", "nlohmann", "PropertyTree", "SimpleIni", "toml++", "QSetti
 FLOORS = ("floor", "files", "same calls", "empty process")
 WORKLOADS = ("read int", "read int, classified", "read text", "read text, classified",
              "read absent", "read literal", "replace int", "replace int, classified", "load",
-             "save", "save, protected", "load nothing", "memory held", "memory at most", "first use, process",
-             "first use, in main", "registry, cached", "registry, uncached")
+             "save", "save, protected", "load nothing", "memory held", "memory at most",
+             "first use, process", "first use, in main", "registry, cached", "registry, uncached")
 CHART_WORKLOADS = ("read int", "read text", "replace int", "load", "save")
 CHART_SIZE = "M"
 

@@ -199,8 +199,10 @@ void RegisterStoreBenchmarks(Size size) {
   RegisterLiterals<Ours>(size);
   RegisterLiterals<Floor>(size);
   RegisterLiterals<Nlohmann>(size);
-  if (size == Size::kS) {
+  if (size != Size::kL) {
     Register("save, protected", size, Ours::kName, SaveProtected)->UseRealTime();
+  }
+  if (size == Size::kS) {
     Register("load nothing", size, Ours::kName, LoadNothing)->UseRealTime();
     Register("load nothing", size, PlainFiles::kName, OpenNothing)->UseRealTime();
   }
