@@ -41,6 +41,7 @@ struct SaveResult {
 };
 
 /// Holds for every later load and save of the JSON back end, whether or not it was made already.
+/// @param mode how files are loaded and saved from now on
 /// @param lockWait how long a protected save waits for those of other processes before it fails
 COMMONPREFERENCES_API void SetSaveMode(
     ESaveMode mode, std::chrono::milliseconds lockWait = std::chrono::seconds(5));
