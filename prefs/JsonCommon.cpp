@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "prefs/FoldedName.h"
-#include "prefs/JsonText.h"
 #include "prefs/PreferenceFiles.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/PreferencesJson.h"

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "prefs/JsonWriter.h"
 #include "prefs/SaveMode.h"
 #include "utils/Files.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "prefs/JsonCommon.h"
-#include "prefs/JsonText.h"
+#include "prefs/JsonReader.h"
 #include "prefs/ShareLevel.h"
 #include "utils/vemora_ustring.h"
 

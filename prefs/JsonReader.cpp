@@ -1,53 +1,25 @@
-#include "prefs/JsonText.h"
+#include "prefs/JsonReader.h"
 
 #include <rapidjson/reader.h>
-#include <rapidjson/stringbuffer.h>
-#include <rapidjson/writer.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
-#include <new>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "prefs/FoldedName.h"
+#include "prefs/JsonAllocator.h"
 
 namespace vemora::prefs {
 
 namespace {
 
-/// The C heap, but running out of memory is an exception.
-class ThrowingAllocator {
- public:
-  [[maybe_unused]] static constexpr bool kNeedFree = true;
-
-  static void* Malloc(std::size_t size) { return Realloc(nullptr, 0, size); }
-
-  static void* Realloc(void* block, std::size_t /*old_size*/, std::size_t new_size) {
-    if (new_size == 0) {
-      std::free(block);
-      return nullptr;
-    }
-    void* const resized = std::realloc(block, new_size);
-    if (resized == nullptr) {
-      throw std::bad_alloc();
-    }
-    return resized;
-  }
-
-  static void Free(void* block) { std::free(block); }
-};
-
 using Utf8 = rapidjson::UTF8<>;
-using Reader = rapidjson::GenericReader<Utf8, Utf8, ThrowingAllocator>;
-using Buffer = rapidjson::GenericStringBuffer<Utf8, ThrowingAllocator>;
-using Writer = rapidjson::Writer<Buffer, Utf8, Utf8, ThrowingAllocator>;
+using Reader = rapidjson::GenericReader<Utf8, Utf8, JsonAllocator>;
 
 /// Whether all of the text is a number that fits.
 template <typename Number>
@@ -261,153 +233,6 @@ void UnescapeLoneSurrogates(char* text, std::size_t size) {
   *out = '\0';
 }
 
-bool NeedsEscape(char character) {
-  return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
-}
-
-/// How many bytes at the start need no escape.
-std::size_t CountUnescaped(std::string_view text) {
-  constexpr std::uint64_t kEach = 0x0101010101010101;
-  constexpr std::uint64_t kHighBits = 0x80 * kEach;
-  // The high bit of each byte that is zero, and perhaps of bytes behind such a one.
-  const auto zeros = [](std::uint64_t word) { return (word - kEach) & ~word & kHighBits; };
-  std::size_t index = 0;
-  for (; index + 8 <= text.size(); index += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + index, 8);
-    const std::uint64_t control = (word - 0x20 * kEach) & ~word & kHighBits;
-    if ((control | zeros(word ^ ('"' * kEach)) | zeros(word ^ ('\\' * kEach))) != 0) {
-      break;
-    }
-  }
-  while (index < text.size() && !NeedsEscape(text[index])) {
-    ++index;
-  }
-  return index;
-}
-
-/// Writes objects within objects, indented by four blanks.
-class TextWriter {
- public:
-  explicit TextWriter(std::size_t expectedSize) { text_.reserve(expectedSize); }
-
-  void StartObject() {
-    text_ += '{';
-    first_ = true;
-    ++depth_;
-  }
-
-  void EndObject() {
-    --depth_;
-    if (!first_) {
-      StartLine();
-    }
-    text_ += '}';
-    first_ = false;
-  }
-
-  void Key(std::string_view name) {
-    if (!first_) {
-      text_ += ',';
-    }
-    first_ = false;
-    StartLine();
-    String(name);
-    text_ += ": ";
-  }
-
-  void String(std::string_view utf8) {
-    text_ += '"';
-    for (;;) {
-      const std::size_t plain = CountUnescaped(utf8);
-      text_ += utf8.substr(0, plain);
-      if (plain == utf8.size()) {
-        break;
-      }
-      Escape(utf8[plain]);
-      utf8.remove_prefix(plain + 1);
-    }
-    text_ += '"';
-  }
-
-  void Int(int value) {
-    std::array<char, 12> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    text_.append(digits.data(), end);
-  }
-
-  void Double(double value) {
-    // JSON has no infinities and no NaN.
-    if (!std::isfinite(value)) {
-      Literal("null");
-      return;
-    }
-    number_.Clear();
-    Writer(number_).Double(value);
-    text_.append(number_.GetString(), number_.GetSize());
-  }
-
-  void Literal(std::string_view literal) { text_ += literal; }
-
-  std::string Take() { return std::move(text_); }
-
- private:
-  void StartLine() {
-    text_ += '\n';
-    text_.append(depth_ * 4, ' ');
-  }
-
-  void Escape(char character);
-
-  std::string text_;
-  std::size_t depth_ = 0;
-  bool first_ = true;
-  Buffer number_;
-};
-
-void TextWriter::Escape(char character) {
-  constexpr std::string_view kEscaped = "\"\\\b\f\n\r\t";
-  constexpr std::string_view kLetters = "\"\\bfnrt";
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  text_ += '\\';
-  const std::size_t found = kEscaped.find(character);
-  if (found != std::string_view::npos) {
-    text_ += kLetters[found];
-    return;
-  }
-  text_ += "u00";
-  text_ += kDigits[static_cast<unsigned char>(character) >> 4];
-  text_ += kDigits[static_cast<unsigned char>(character) & 0xF];
-}
-
-void WriteValue(TextWriter& writer, const Preference& preference) {
-  if (const int* const integer = preference.GetInt()) {
-    writer.Int(*integer);
-  } else if (const bool* const boolean = preference.GetBool()) {
-    writer.Literal(*boolean ? "true" : "false");
-  } else if (const double* const real = preference.GetDouble()) {
-    writer.Double(*real);
-  } else if (preference.IsText()) {
-    writer.String(preference.GetText());
-  } else {
-    writer.Literal("null");
-  }
-}
-
-void WriteLevel(TextWriter& writer, const PreferenceMap& level) {
-  writer.StartObject();
-  for (const PreferenceMap::Category& category : level.GetCategories()) {
-    writer.Key(category.name);
-    writer.StartObject();
-    for (const Preference* preference : level.GetPreferences(category)) {
-      writer.Key(preference->Name());
-      WriteValue(writer, *preference);
-    }
-    writer.EndObject();
-  }
-  writer.EndObject();
-}
-
 }  // namespace
 
 LoadedLevels ReadLevels(char* text, std::size_t size, EShareLevel first, EShareLevel last) {
@@ -422,21 +247,6 @@ LoadedLevels ReadLevels(char* text, std::size_t size, EShareLevel first, EShareL
     return {};
   }
   return handler.Take();
-}
-
-std::string WriteLevels(const LevelMaps& levels, EShareLevel first, EShareLevel last) {
-  std::size_t expected_size = 1024;
-  for (std::size_t level = first; level <= last; ++level) {
-    expected_size += levels[level].MemoryUsed();
-  }
-  TextWriter writer(expected_size);
-  writer.StartObject();
-  for (std::size_t level = first; level <= last; ++level) {
-    writer.Key(kShareLevelNames[level].ToUtf8());
-    WriteLevel(writer, levels[level]);
-  }
-  writer.EndObject();
-  return writer.Take();
 }
 
 }  // namespace vemora::prefs
