@@ -1,7 +1,10 @@
 #include "prefs/FoldedName.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstring>
+#include <vector>
 
 #include "utils/Ascii.h"
 #include "utils/CaseFolding.h"
@@ -27,18 +30,22 @@ std::uint64_t LoadWord(const char* bytes) {
 
 bool FoldedName::operator==(const FoldedName& other) const {
   return hash_ == other.hash_ && Tag() == other.Tag() &&
-         std::equal(Words(), Words() + WordsFor(length_), other.Words());
+         std::memcmp(&ends_, &other.ends_, sizeof(ends_)) == 0 &&
+         std::equal(Middle(), Middle() + MiddleWords(length_), other.Middle());
 }
 
 void FoldedName::WriteImage(void* image) const {
   const Word tag = Tag();
+  char* const ends = static_cast<char*>(image) + sizeof(tag);
   std::memcpy(image, &tag, sizeof(tag));
-  std::memcpy(static_cast<char*>(image) + sizeof(tag), Words(), kWordSize * WordsFor(length_));
+  std::memcpy(ends, &ends_, sizeof(ends_));
+  std::memcpy(ends + sizeof(ends_), Middle(), kWordSize * MiddleWords(length_));
 }
 
 bool FoldedName::EqualsImage(const void* image) const {
-  return LoadWord(image) == Tag() && std::memcmp(static_cast<const char*>(image) + sizeof(Word),
-                                                 Words(), kWordSize * WordsFor(length_)) == 0;
+  const char* const ends = static_cast<const char*>(image) + sizeof(Word);
+  return LoadWord(image) == Tag() && std::memcmp(ends, &ends_, sizeof(ends_)) == 0 &&
+         std::memcmp(ends + sizeof(ends_), Middle(), kWordSize * MiddleWords(length_)) == 0;
 }
 
 void FoldedName::FoldAnyUtf8(std::string_view utf8) {
@@ -48,44 +55,39 @@ void FoldedName::FoldAnyUtf8(std::string_view utf8) {
 
 /// For names that are long or not all ASCII.
 void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
-  auto* const bytes = reinterpret_cast<char*>(Reserve(length * sizeof(CodeUnit)));
-  name_ascii_ = utils::CountAscii(units, length) == length;
+  std::array<CodeUnit, kInlineBytes / sizeof(CodeUnit)> short_name = {};
+  std::vector<CodeUnit> long_name(length > short_name.size() ? length : 0);
+  CodeUnit* const folded = long_name.empty() ? short_name.data() : long_name.data();
   unsigned seen = 0;
   for (std::size_t index = 0; index < length; ++index) {
-    const CodeUnit folded = utils::FoldUnit(units[index]);
-    std::memcpy(bytes + index * sizeof(folded), &folded, sizeof(folded));
-    seen |= folded;
+    folded[index] = utils::FoldUnit(units[index]);
+    seen |= folded[index];
   }
+  name_ascii_ = utils::CountAscii(units, length) == length;
+  auto* const bytes = reinterpret_cast<char*>(folded);
   // Folding can lead from outside into ASCII, as from the long s to the S.
   const bool ascii = seen < 0x80;
-  if (ascii) {
-    for (std::size_t index = 0; index < length; ++index) {
-      bytes[index] = static_cast<char>(utils::FoldUnit(units[index]));
-    }
-    std::fill(bytes + length, bytes + WordsFor(length) * kWordSize, '\0');
+  if (!ascii) {
+    SetBytes(bytes, length * sizeof(CodeUnit), false);
+    return;
   }
-  Finish(ascii ? length : length * sizeof(CodeUnit), ascii);
+  std::copy(folded, folded + length, bytes);
+  std::fill(bytes + length, bytes + length * sizeof(CodeUnit), '\0');
+  SetBytes(bytes, length, true);
 }
 
-/// Room for so many bytes, with zeros behind them.
-FoldedName::Word* FoldedName::Reserve(std::size_t bytes) {
-  const std::size_t count = WordsFor(bytes);
-  if (count > inline_.size()) {
-    heap_.reset(new Word[count]);
+/// @param folded at least eight bytes, zeros behind the name
+void FoldedName::SetBytes(const char* folded, std::size_t length, bool ascii) {
+  const std::size_t words = MiddleWords(length);
+  if (words > inline_.size()) {
+    heap_.reset(new Word[words]);
   }
-  Word* const words = heap_ != nullptr ? heap_.get() : inline_.data();
-  if (count > 0) {
-    words[count - 1] = 0;
+  ends_ = LoadEnds(folded, length);
+  if (words > 0) {
+    std::memcpy(heap_ != nullptr ? heap_.get() : inline_.data(), folded + kWordSize,
+                words * kWordSize);
   }
-  return words;
-}
-
-void FoldedName::Finish(std::size_t length, bool ascii) {
-  length_ = length;
-  ascii_ = ascii;
-  hash_ = StartHash(length);
-  std::for_each(Words(), Words() + WordsFor(length),
-                [this](Word word) { hash_ = AddToHash(hash_, word); });
+  Finish(length, ascii);
 }
 
 FoldedPair::FoldedPair(const vemora_ustring& categoryName, const vemora_ustring& keyName)

@@ -15,9 +15,12 @@
 
 namespace vemora::prefs {
 
-/// A name folded to upper case, in words of eight bytes with zeros behind, and its hash. Names that
-/// `CompareNoCase` takes for equal have the same words and the same hash, as long as the C locale
-/// stays. A folded name that is all ASCII has one byte for each character, any other two.
+/// A name folded to upper case, as words of eight bytes, and its hash. Names that `CompareNoCase`
+/// takes for equal have the same words and the same hash, as long as the C locale stays. A folded
+/// name that is all ASCII has one byte for each character, any other two.
+///
+/// The words are the first eight bytes, the last eight and those between, where the last two may
+/// overlap: so no name of eight bytes and more needs to be padded. A shorter one is both ends.
 ///
 /// Every read and write of the store makes two of these, so the way of short ASCII names is inline.
 class FoldedName {
@@ -47,23 +50,27 @@ class FoldedName {
 
   /// The folded form, to be kept with a name that is not ASCII: its length and its words.
   /// @{
-  std::size_t ImageSize() const { return sizeof(Word) * (1 + WordsFor(length_)); }
+  std::size_t ImageSize() const { return ImageSizeOf(length_); }
   void WriteImage(void* image) const;
   bool EqualsImage(const void* image) const;
   static std::size_t ImageSize(const void* image) {
-    return sizeof(Word) * (1 + WordsFor(static_cast<std::size_t>(LoadWord(image) >> 1)));
+    return ImageSizeOf(static_cast<std::size_t>(LoadWord(image) >> 1));
   }
   /// @}
 
-  /// Whether an ASCII name of that length, with zeros up to a multiple of eight bytes, folds to
-  /// this one.
+  /// Whether an ASCII name of that length folds to this one. One that is shorter than eight bytes
+  /// has zeros behind it up to eight.
   bool EqualsPaddedAscii(const char* name, std::size_t length) const {
     if (length != length_ || !ascii_) {
       return false;
     }
-    const Word* const words = Words();
-    for (std::size_t index = 0; index < WordsFor(length); ++index) {
-      if (FoldWord(LoadWord(name + index * kWordSize)) != words[index]) {
+    const __m128i ends = FoldBytes(LoadEnds(name, length));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi8(ends, ends_)) != 0xFFFF) {
+      return false;
+    }
+    const Word* const middle = Middle();
+    for (std::size_t index = 0; index < MiddleWords(length); ++index) {
+      if (FoldWord(LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {
         return false;
       }
     }
@@ -73,10 +80,16 @@ class FoldedName {
  private:
   using Word = std::uint64_t;
   static constexpr std::size_t kWordSize = sizeof(Word);
-  static constexpr std::size_t kInlineBytes = 96;
+  static constexpr std::size_t kInlineWords = 10;
+  static constexpr std::size_t kInlineBytes = (kInlineWords + 2) * kWordSize;
 
-  static constexpr std::size_t WordsFor(std::size_t bytes) {
-    return (bytes + kWordSize - 1) / kWordSize;
+  /// How many words lie between the first and the last.
+  static constexpr std::size_t MiddleWords(std::size_t bytes) {
+    return bytes > 2 * kWordSize ? (bytes - kWordSize - 1) / kWordSize : 0;
+  }
+
+  static constexpr std::size_t ImageSizeOf(std::size_t bytes) {
+    return kWordSize + sizeof(__m128i) + kWordSize * MiddleWords(bytes);
   }
 
   static Word LoadWord(const void* bytes) {
@@ -85,15 +98,107 @@ class FoldedName {
     return word;
   }
 
-  /// Eight ASCII characters in upper case.
-  static constexpr Word FoldWord(Word word) {
-    constexpr Word kEach = 0x0101010101010101;
-    const Word from_a = word + (0x80 - 'a') * kEach;
-    const Word above_z = word + (0x80 - 'z' - 1) * kEach;
-    return word ^ ((from_a & ~above_z & (0x80 * kEach)) >> 2);
+  static __m128i LoadEight(const void* bytes) {
+    return _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
   }
 
-  static Word StartHash(std::size_t length) { return kSeed + length; }
+  static __m128i LoadEnds(const char* bytes, std::size_t length) {
+    const char* const last = bytes + (length > kWordSize ? length - kWordSize : 0);
+    return _mm_unpacklo_epi64(LoadEight(bytes), LoadEight(last));
+  }
+
+  static Word ToWord(__m128i eight) { return static_cast<Word>(_mm_cvtsi128_si64(eight)); }
+
+  /// ASCII characters in upper case.
+  static __m128i FoldBytes(__m128i bytes) {
+    const __m128i from_a = _mm_cmpgt_epi8(bytes, _mm_set1_epi8('a' - 1));
+    const __m128i to_z = _mm_cmplt_epi8(bytes, _mm_set1_epi8('z' + 1));
+    const __m128i bit = _mm_and_si128(_mm_and_si128(from_a, to_z), _mm_set1_epi8('a' - 'A'));
+    return _mm_xor_si128(bytes, bit);
+  }
+
+  static Word FoldWord(Word word) {
+    return ToWord(FoldBytes(_mm_cvtsi64_si128(static_cast<long long>(word))));
+  }
+
+  /// Characters of a name as 16-bit units: of UTF-8, only ASCII comes out as it is.
+  /// @{
+  static __m128i WidenEight(const utils::CodeUnit* units) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+  }
+  static __m128i WidenEight(const char* bytes) {
+    return _mm_unpacklo_epi8(LoadEight(bytes), _mm_setzero_si128());
+  }
+  static __m128i WidenFour(const utils::CodeUnit* units) { return LoadEight(units); }
+  static __m128i WidenFour(const char* bytes) {
+    int four = 0;
+    std::memcpy(&four, bytes, sizeof(four));
+    return _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128());
+  }
+  static unsigned Widen(utils::CodeUnit unit) { return unit; }
+  static unsigned Widen(char byte) { return static_cast<unsigned char>(byte); }
+  /// @}
+
+  /// The characters of a name shorter than eight, in the low bytes. All of them are put into
+  /// `seen`, one over the other.
+  template <typename Unit>
+  static Word NarrowFew(const Unit* units, std::size_t length, __m128i& seen) {
+    if (length >= 4) {
+      const __m128i first = WidenFour(units);
+      const __m128i last = WidenFour(units + length - 4);
+      seen = _mm_or_si128(first, last);
+      const __m128i bytes = _mm_packus_epi16(first, last);
+      return ToWord(bytes) | ToWord(_mm_unpackhi_epi64(bytes, bytes)) << (8 * (length - 4));
+    }
+    if (length == 0) {
+      return 0;
+    }
+    const unsigned first = Widen(units[0]);
+    const unsigned middle = Widen(units[length / 2]);
+    const unsigned last = Widen(units[length - 1]);
+    seen = _mm_cvtsi32_si128(static_cast<int>(first | middle | last));
+    return first | middle << (8 * (length / 2)) | last << (8 * (length - 1));
+  }
+
+  static bool IsAscii(__m128i units) {
+    return (_mm_movemask_epi8(_mm_adds_epu16(units, _mm_set1_epi16(0x7F80))) & 0xAAAA) == 0;
+  }
+
+  /// False when the name is not all ASCII.
+  template <typename Unit>
+  bool FoldShort(const Unit* units, std::size_t length) {
+    __m128i seen = _mm_setzero_si128();
+    if (length >= kWordSize) {
+      const __m128i first = WidenEight(units);
+      const __m128i last = WidenEight(units + length - kWordSize);
+      seen = _mm_or_si128(first, last);
+      ends_ = FoldBytes(_mm_packus_epi16(first, last));
+    } else {
+      const auto word = static_cast<long long>(FoldWord(NarrowFew(units, length, seen)));
+      ends_ = _mm_set1_epi64x(word);
+    }
+    for (std::size_t index = 0; index < MiddleWords(length); ++index) {
+      const __m128i eight = WidenEight(units + (index + 1) * kWordSize);
+      seen = _mm_or_si128(seen, eight);
+      inline_[index] = ToWord(FoldBytes(_mm_packus_epi16(eight, eight)));
+    }
+    name_ascii_ = true;
+    Finish(length, true);
+    return IsAscii(seen);
+  }
+
+  /// When the words are there.
+  void Finish(std::size_t length, bool ascii) {
+    length_ = length;
+    ascii_ = ascii;
+    Word hash = AddToHash(kSeed + length, ToWord(ends_));
+    hash = AddToHash(hash, ToWord(_mm_unpackhi_epi64(ends_, ends_)));
+    const Word* const middle = Middle();
+    for (std::size_t index = 0; index < MiddleWords(length); ++index) {
+      hash = AddToHash(hash, middle[index]);
+    }
+    hash_ = hash;
+  }
 
   /// A product of two halves that the file cannot know.
   static Word AddToHash(Word hash, Word word) {
@@ -102,111 +207,22 @@ class FoldedName {
            kSeed;
   }
 
-  /// False when the name is not all ASCII.
-  bool FoldShort(const utils::CodeUnit* units, std::size_t length) {
-    Word seen = 0;
-    const std::size_t words = WordsFor(length);
-    Word hash = StartHash(length);
-    std::size_t index = 0;
-    for (; index + 1 < words; ++index) {
-      inline_[index] = FoldWord(NarrowEight(units + index * kWordSize, seen));
-      hash = AddToHash(hash, inline_[index]);
-    }
-    if (words != 0) {
-      inline_[index] = FoldWord(NarrowLast(units, length, seen));
-      hash = AddToHash(hash, inline_[index]);
-    }
-    length_ = length;
-    ascii_ = true;
-    name_ascii_ = true;
-    hash_ = hash;
-    return (seen & 0xFF80FF80FF80FF80) == 0;
-  }
-
-  bool FoldShort(const char* bytes, std::size_t length) {
-    Word seen = 0;
-    const std::size_t words = WordsFor(length);
-    Word hash = StartHash(length);
-    std::size_t index = 0;
-    for (; index + 1 < words; ++index) {
-      const Word word = LoadWord(bytes + index * kWordSize);
-      seen |= word;
-      inline_[index] = FoldWord(word);
-      hash = AddToHash(hash, inline_[index]);
-    }
-    if (words != 0) {
-      const Word word = LoadLast(bytes, length);
-      seen |= word;
-      inline_[index] = FoldWord(word);
-      hash = AddToHash(hash, inline_[index]);
-    }
-    length_ = length;
-    ascii_ = true;
-    name_ascii_ = true;
-    hash_ = hash;
-    return (seen & 0x8080808080808080) == 0;
-  }
-
-  /// The last word of bytes that are not none.
-  static Word LoadLast(const char* bytes, std::size_t length) {
-    if (length >= kWordSize) {
-      return LoadWord(bytes + length - kWordSize) >> (8 * ((8 - length % 8) % 8));
-    }
-    Word word = 0;
-    for (std::size_t index = length; index > 0; --index) {
-      word = word << 8 | static_cast<unsigned char>(bytes[index - 1]);
-    }
-    return word;
-  }
-
-  /// The low bytes of code units. All units are put into `seen`, one over the other.
-  /// @{
-  static Word NarrowFour(const utils::CodeUnit* units, Word& seen) {
-    Word four = LoadWord(units);
-    seen |= four;
-    four = (four | (four >> 8)) & 0x0000FFFF0000FFFF;
-    return (four | (four >> 16)) & 0xFFFFFFFF;
-  }
-
-  static Word NarrowEight(const utils::CodeUnit* units, Word& seen) {
-    const __m128i wide = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
-    seen |= static_cast<Word>(_mm_cvtsi128_si64(_mm_or_si128(wide, _mm_srli_si128(wide, 8))));
-    return static_cast<Word>(_mm_cvtsi128_si64(_mm_packus_epi16(wide, wide)));
-  }
-
-  /// The last word of a name that is not empty; what is loaded begins in the word before it.
-  static Word NarrowLast(const utils::CodeUnit* units, std::size_t length, Word& seen) {
-    if (length >= 8) {
-      const std::size_t again = (8 - length % 8) % 8;
-      return NarrowEight(units + length - 8, seen) >> (8 * again);
-    }
-    if (length >= 4) {
-      return NarrowFour(units, seen) | NarrowFour(units + length - 4, seen) << (8 * (length - 4));
-    }
-    const std::size_t middle = length / 2;
-    const std::size_t last = length - 1;
-    seen |= Word{units[0]} | units[middle] | units[last];
-    return (units[0] & 0xFFU) | (units[middle] & 0xFFU) << (8 * middle) |
-           (units[last] & 0xFFU) << (8 * last);
-  }
-  /// @}
-
   void FoldAny(const utils::CodeUnit* units, std::size_t length);
   void FoldAnyUtf8(std::string_view utf8);
-  Word* Reserve(std::size_t bytes);
-  void Finish(std::size_t length, bool ascii);
+  void SetBytes(const char* folded, std::size_t length, bool ascii);
   Word Tag() const { return Word{length_} << 1 | (ascii_ ? 1 : 0); }
-  const Word* Words() const { return heap_ != nullptr ? heap_.get() : inline_.data(); }
+  const Word* Middle() const { return heap_ != nullptr ? heap_.get() : inline_.data(); }
 
   /// Chosen anew in each process, so that no file can be made whose names all have one hash.
   static const Word kSeed;
 
+  __m128i ends_;
   Word hash_;
   std::size_t length_;  // in bytes
   bool ascii_;
   bool name_ascii_;
-  std::unique_ptr<Word[]> heap_;  // for long names
-  std::array<Word, kInlineBytes / kWordSize> inline_;
+  std::unique_ptr<Word[]> heap_;  // the middle of a long name
+  std::array<Word, kInlineWords> inline_;
 };
 
 /// What the tables of names go by.

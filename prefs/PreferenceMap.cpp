@@ -32,8 +32,10 @@ std::uint32_t CheckedLength(std::string_view name) {
   return static_cast<std::uint32_t>(name.size());
 }
 
-/// A name in the arena, with zeros behind it up to a multiple of eight bytes.
-constexpr std::size_t PaddedSize(std::size_t length) { return (length + 7) / 8 * 8; }
+/// A name in the arena, with zeros behind it up to a multiple of eight bytes, and eight at least.
+constexpr std::size_t PaddedSize(std::size_t length) {
+  return length > 0 ? (length + 7) / 8 * 8 : 8;
+}
 
 /// What lies behind a preference or a category: the name and, if it is not ASCII, how it folds.
 std::size_t TailSize(std::string_view name, const FoldedName& folded) {
@@ -41,10 +43,8 @@ std::size_t TailSize(std::string_view name, const FoldedName& folded) {
 }
 
 void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
-  if (!name.empty()) {
-    std::memset(tail + PaddedSize(name.size()) - 8, 0, 8);
-    std::memcpy(tail, name.data(), name.size());
-  }
+  std::memset(tail + PaddedSize(name.size()) - 8, 0, 8);
+  std::copy(name.begin(), name.end(), tail);
   if (!folded.IsNameAscii()) {
     folded.WriteImage(tail + PaddedSize(name.size()));
   }
