@@ -12,7 +12,7 @@ namespace vemora::prefs {
 Classification Classification::MakeBuiltIn() {
   Classification classification;
   const ShareLevelRows rows;
-  classification.guesses_.Reserve(static_cast<std::size_t>(rows.end() - rows.begin()));
+  classification.guesses_.Reserve(4 * static_cast<std::size_t>(rows.end() - rows.begin()));
   std::string_view category;
   for (const ShareLevelRow& row : rows) {
     if (row.Category() != category) {
