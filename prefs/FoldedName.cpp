@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <cstring>
+#include <numeric>
 #include <vector>
 
 #include "utils/Ascii.h"
@@ -83,11 +84,11 @@ void FoldedName::SetBytes(const char* folded, std::size_t length, bool ascii) {
     heap_.reset(new Word[words]);
   }
   ends_ = LoadEnds(folded, length);
-  if (words > 0) {
-    std::memcpy(heap_ != nullptr ? heap_.get() : inline_.data(), folded + kWordSize,
-                words * kWordSize);
-  }
-  Finish(length, ascii);
+  Word* const middle = heap_ != nullptr ? heap_.get() : inline_.data();
+  std::copy(folded + kWordSize, folded + (words + 1) * kWordSize, reinterpret_cast<char*>(middle));
+  length_ = length;
+  ascii_ = ascii;
+  hash_ = std::accumulate(middle, middle + words, HashEnds(length), AddToHash);
 }
 
 FoldedPair::FoldedPair(const vemora_ustring& categoryName, const vemora_ustring& keyName)

@@ -177,27 +177,23 @@ class FoldedName {
       const auto word = static_cast<long long>(FoldWord(NarrowFew(units, length, seen)));
       ends_ = _mm_set1_epi64x(word);
     }
+    Word hash = HashEnds(length);
     for (std::size_t index = 0; index < MiddleWords(length); ++index) {
       const __m128i eight = WidenEight(units + (index + 1) * kWordSize);
       seen = _mm_or_si128(seen, eight);
       inline_[index] = ToWord(FoldBytes(_mm_packus_epi16(eight, eight)));
+      hash = AddToHash(hash, inline_[index]);
     }
+    hash_ = hash;
+    length_ = length;
+    ascii_ = true;
     name_ascii_ = true;
-    Finish(length, true);
     return IsAscii(seen);
   }
 
-  /// When the words are there.
-  void Finish(std::size_t length, bool ascii) {
-    length_ = length;
-    ascii_ = ascii;
-    Word hash = AddToHash(kSeed + length, ToWord(ends_));
-    hash = AddToHash(hash, ToWord(_mm_unpackhi_epi64(ends_, ends_)));
-    const Word* const middle = Middle();
-    for (std::size_t index = 0; index < MiddleWords(length); ++index) {
-      hash = AddToHash(hash, middle[index]);
-    }
-    hash_ = hash;
+  Word HashEnds(std::size_t length) const {
+    const Word hash = AddToHash(kSeed + length, ToWord(ends_));
+    return AddToHash(hash, ToWord(_mm_unpackhi_epi64(ends_, ends_)));
   }
 
   /// A product of two halves that the file cannot know.

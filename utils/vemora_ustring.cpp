@@ -1,6 +1,9 @@
 #include "utils/vemora_ustring.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdlib>
@@ -50,17 +53,52 @@ void AppendCodePoint(std::basic_string<CodeUnit>& text, char32_t point) {
   text.push_back(static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF)));
 }
 
-/// Widens ASCII, which no locale changes; false, with `wide` of no use, for other text.
-bool AssignAscii(std::basic_string<CodeUnit>& wide, const char* text, std::size_t length) {
-  wide.resize(length);
-  unsigned seen = 0;
-  CodeUnit* const units = wide.data();
-  for (std::size_t index = 0; index < length; ++index) {
-    const auto unit = static_cast<unsigned char>(text[index]);
-    units[index] = unit;
-    seen |= unit;
+/// Eight bytes as units.
+__m128i WidenEight(const char* text) {
+  const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
+  return _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
+}
+
+/// Widens ASCII, which no locale changes; false, with `units` of no use, for other text.
+bool WidenAscii(const char* text, std::size_t length, CodeUnit* units) {
+  constexpr std::size_t kStep = 8;
+  __m128i seen = _mm_setzero_si128();
+  const auto widen = [&](std::size_t index) {
+    const __m128i eight = WidenEight(text + index);
+    seen = _mm_or_si128(seen, eight);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(units + index), eight);
+  };
+  if (length >= kStep) {
+    for (std::size_t index = 0; index + kStep < length; index += kStep) {
+      widen(index);
+    }
+    widen(length - kStep);
+    return _mm_movemask_epi8(_mm_slli_epi16(seen, 8)) == 0;
   }
-  return seen < 0x80;
+  unsigned few = 0;
+  for (std::size_t index = 0; index < length; ++index) {
+    units[index] = static_cast<unsigned char>(text[index]);
+    few |= units[index];
+  }
+  return few < 0x80;
+}
+
+/// As `WidenAscii`. The text goes through a buffer, for a string can grow only by what is filled in
+/// already.
+bool AssignAscii(std::basic_string<CodeUnit>& wide, const char* text, std::size_t length) {
+  constexpr std::size_t kBlock = 128;
+  std::array<CodeUnit, kBlock> block;
+  if (length > kBlock) {
+    wide.reserve(length);
+  }
+  for (std::size_t index = 0; index < length; index += kBlock) {
+    const std::size_t count = std::min(length - index, kBlock);
+    if (!WidenAscii(text + index, count, block.data())) {
+      return false;
+    }
+    wide.append(block.data(), count);
+  }
+  return true;
 }
 
 /// Number of leading bytes that the current locale can convert.
