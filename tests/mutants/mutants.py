@@ -65,7 +65,7 @@ UNITS = {
     "utils/Singleton.h": native("Singleton_test"),
     "utils/Variant.cpp": native("Variant_test"),
     "utils/WideFormat.cpp": windows("vemora_ustring_test", "vemora_ustring_windows_test"),
-    "utils/vemora_ustring.cpp": native("vemora_ustring_test"),
+    "utils/vemora_ustring.cpp": native("vemora_ustring_test", "FromUtf8_test"),
 }
 
 MUTANTS = [
@@ -301,11 +301,17 @@ MUTANTS = [
     Mutant("slots: the table gets full", "prefs/SlotTable.cpp",
            "(count_ + more) * 4 > size * 3", "count_ + more > size"),
     Mutant("folding: the letter z stays", "prefs/FoldedName.h",
-           "(0x80 - 'z' - 1) * kEach", "(0x80 - 'z') * kEach"),
+           "_mm_set1_epi8('z' + 1)", "_mm_set1_epi8('z')"),
     Mutant("folding: the end of a name is not read", "prefs/FoldedName.h",
-           "const std::size_t again = (8 - length % 8) % 8;", "const std::size_t again = 8 - length % 8;"),
+           "WidenEight(units + length - kWordSize)", "WidenEight(units)"),
+    Mutant("folding: the end of a stored name is not read", "prefs/FoldedName.h",
+           "bytes + (length > kWordSize ? length - kWordSize : 0)",
+           "bytes + (length > 2 * kWordSize ? length - kWordSize : 0)"),
+    Mutant("folding: the middle of a name is not compared", "prefs/FoldedName.h",
+           "if (FoldWord(LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {",
+           "if (middle[index] == 0) {"),
     Mutant("folding: non-ASCII taken for ASCII", "prefs/FoldedName.h",
-           "return (seen & 0xFF80FF80FF80FF80) == 0;", "return (seen & 0xF000F000F000F000) == 0;"),
+           "_mm_set1_epi16(0x7F80)", "_mm_set1_epi16(0x7000)"),
     Mutant("folding: names ordered by bytes", "prefs/FoldedName.cpp",
            "if (utils::FoldUnit(a) != utils::FoldUnit(b)) {", "if (a != b) {"),
     Mutant("classification: an old guess stays", "prefs/Classification.cpp",
@@ -315,7 +321,12 @@ MUTANTS = [
     Mutant("text: no check for null", "utils/vemora_ustring.cpp",
            "  if (text != nullptr) {\n    assign(text);\n  }\n", "  assign(text);\n"),
     Mutant("text: wide ASCII is taken for other text", "utils/vemora_ustring.cpp",
-           "return seen < 0x80;", "return seen < 0x100;"),
+           "return few < 0x80;", "return few < 0x100;"),
+    Mutant("text: wide ASCII of eight units and more is taken for other text",
+           "utils/vemora_ustring.cpp",
+           "_mm_movemask_epi8(_mm_slli_epi16(seen, 8)) == 0", "true"),
+    Mutant("text: the last units are not widened", "utils/vemora_ustring.cpp",
+           "    widen(length - kStep);\n", ""),
 
     # Files
     Mutant("files: handles stay open", "utils/Files.cpp",
