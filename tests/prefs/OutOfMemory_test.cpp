@@ -266,6 +266,30 @@ TEST(OutOfMemoryInDictionaries, WriteLeavesNoEmptyCategory) {
   }
 }
 
+/// A store of a host that lets no category be deleted.
+class KeepingStore : public FilledStore {
+ public:
+  void DeleteCategory(const vemora_ustring& /*category*/) override {}
+};
+
+TEST(OutOfMemoryInDictionaries, WriteIntoACategoryThatAHostKeepsStoresAllOrNothing) {
+  Dictionary entries;
+  entries.Set("first", kNewText);
+  entries.Set("second", kNewText);
+  KeepingStore untouched;
+  const std::string before = Describe(untouched);
+  for (int allocations = 0;; ++allocations) {
+    KeepingStore store;
+    if (Succeeds(allocations, [&] { store.WriteDictionary("Dictionary", entries); })) {
+      Dictionary read;
+      store.ReadDictionary("Dictionary", read);
+      EXPECT_EQ(read.values, entries.values);
+      break;
+    }
+    ASSERT_EQ(Describe(store), before) << allocations;
+  }
+}
+
 TEST(OutOfMemoryInDictionaries, AssignmentKeepsTheOldEntries) {
   Dictionary source;
   source.Set("a", kNewText);
