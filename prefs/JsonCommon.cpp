@@ -6,6 +6,7 @@
 #include <string_view>
 #include <typeinfo>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "prefs/FoldedName.h"
@@ -30,18 +31,6 @@ bool IsLevel(EShareLevel level) { return level < kShareLevelCount; }
 /// A dictionary is kept as a category of its own.
 vemora_ustring DictionaryCategory(const vemora_ustring& name) {
   return name + vemora_ustring(".dictionary");
-}
-
-bool CanBeStored(const Variant& value) {
-  switch (value.GetType()) {
-    case Variant::kBool:
-    case Variant::kInt:
-    case Variant::kDouble:
-    case Variant::kString:
-      return true;
-    default:
-      return false;
-  }
 }
 
 PreferenceFile SharedFile(const vemora_ustring& path) {
@@ -454,14 +443,15 @@ JsonCommon::Stored JsonCommon::StoreEntries(const vemora_ustring& category,
                                             const Dictionary& entries, LevelMaps& maps) {
   Stored stored = {false, true};
   for (const auto& [key, value] : entries.values) {
-    if (CanBeStored(value)) {
-      const FoldedPair pair(category, key);
-      std::string text;
-      PreferenceMap& level = maps[LevelOf(pair)];
-      stored.any |= StoreIn(level, level.Find(pair), pair, ToPreferenceValue(value, text));
-    } else {
+    std::string text;
+    const PreferenceValue entry = ToPreferenceValue(value, text);
+    if (std::holds_alternative<const Variant*>(entry)) {
       stored.all = false;
+      continue;
     }
+    const FoldedPair pair(category, key);
+    PreferenceMap& level = maps[LevelOf(pair)];
+    stored.any |= StoreIn(level, level.Find(pair), pair, entry);
   }
   return stored;
 }
