@@ -6,6 +6,7 @@
 #include <string_view>
 #include <typeinfo>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "prefs/FoldedName.h"
@@ -30,18 +31,6 @@ bool IsLevel(EShareLevel level) { return level < kShareLevelCount; }
 /// A dictionary is kept as a category of its own.
 vemora_ustring DictionaryCategory(const vemora_ustring& name) {
   return name + vemora_ustring(".dictionary");
-}
-
-bool CanBeStored(const Variant& value) {
-  switch (value.GetType()) {
-    case Variant::kBool:
-    case Variant::kInt:
-    case Variant::kDouble:
-    case Variant::kString:
-      return true;
-    default:
-      return false;
-  }
 }
 
 PreferenceFile SharedFile(const vemora_ustring& path) {
@@ -283,26 +272,23 @@ bool JsonCommon::WriteDictionary(const vemora_ustring& name, const Dictionary& i
   const vemora_ustring category = DictionaryCategory(name);
   // Made aside, so that running out of memory loses nothing of the old dictionary.
   LevelMaps entries;
-  bool all_stored = true;
-  for (const auto& [key, value] : in.values) {
-    if (CanBeStored(value)) {
-      const FoldedPair pair(category, key);
-      std::string text;
-      PreferenceMap& level = entries[LevelOf(pair)];
-      StoreIn(level, level.Find(pair), pair, ToPreferenceValue(value, text));
-    } else {
-      all_stored = false;
-    }
-  }
+  Stored stored = StoreEntries(category, in, entries);
   for (std::size_t level = 0; level < levels.size(); ++level) {
     levels[level].ReserveFor(entries[level]);
   }
   DeleteCategory(category);
-  for (std::size_t level = 0; level < levels.size(); ++level) {
-    dirty = dirty || !entries[level].Empty();
-    levels[level].Adopt(std::move(entries[level]));
+  if (JsonCommon::CategoryExists(category)) {
+    // A host's own DeleteCategory has left some of it, which the entries join.
+    LevelMaps merged = levels;
+    stored = StoreEntries(category, in, merged);
+    levels = std::move(merged);
+  } else {
+    for (std::size_t level = 0; level < levels.size(); ++level) {
+      levels[level].Adopt(std::move(entries[level]));
+    }
   }
-  return all_stored;
+  dirty = dirty || stored.any;
+  return stored.all;
 }
 
 void JsonCommon::ForEachPreference(const PreferenceVisitor& visit) const {
@@ -450,6 +436,24 @@ JsonCommon::Place JsonCommon::Locate(const FoldedPair& pair) {
     found->SetAtHome(true);
   }
   return {levels[exact], found};
+}
+
+/// Stores the entries of a dictionary in `maps`, each at its own level.
+JsonCommon::Stored JsonCommon::StoreEntries(const vemora_ustring& category,
+                                            const Dictionary& entries, LevelMaps& maps) {
+  Stored stored = {false, true};
+  for (const auto& [key, value] : entries.values) {
+    std::string text;
+    const PreferenceValue entry = ToPreferenceValue(value, text);
+    if (std::holds_alternative<const Variant*>(entry)) {
+      stored.all = false;
+      continue;
+    }
+    const FoldedPair pair(category, key);
+    PreferenceMap& level = maps[LevelOf(pair)];
+    stored.any |= StoreIn(level, level.Find(pair), pair, entry);
+  }
+  return stored;
 }
 
 void JsonCommon::Store(const FoldedPair& pair, const PreferenceValue& value) {

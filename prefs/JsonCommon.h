@@ -166,12 +166,20 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
     Preference* preference;  // null when there is none
   };
 
+  /// What became of the entries of a dictionary.
+  struct Stored {
+    bool any;  // was stored
+    bool all;  // are of types that can be stored
+  };
+
   void SetClassification(Classification&& classification) noexcept;
   bool ClassifiesByTable() const;
   EShareLevel LevelOf(const FoldedPair& pair);
   Place Locate(const FoldedPair& pair);
   const Preference* FindPreference(const FoldedPair& pair) { return Locate(pair).preference; }
   void Store(const FoldedPair& pair, const PreferenceValue& value);
+  Stored StoreEntries(const vemora_ustring& category, const utils::Dictionary& entries,
+                      LevelMaps& maps);
   void TakeShared(LoadedFile&& loaded) noexcept;
   const vemora_ustring& GetPathOfLock() const;
 

@@ -70,6 +70,15 @@ void ReserveMore(std::vector<Item>& items, std::size_t more) {
   }
 }
 
+struct ToVariant {
+  template <typename Scalar>
+  Variant operator()(Scalar value) const {
+    return value;
+  }
+  Variant operator()(std::string_view text) const { return vemora_ustring::FromUtf8(text); }
+  Variant operator()(const Variant* other) const { return *other; }
+};
+
 void Shift(std::uint32_t& ref, Arena::Ref shift) {
   if (ref != kNone) {
     ref += shift;
@@ -97,7 +106,7 @@ class PreferenceMap::Tables {
     std::uint32_t count;  // of its preferences
     std::uint32_t first;
     std::uint32_t last;
-    std::uint32_t length : 27;
+    std::uint32_t length : 26;
     std::uint32_t ascii : 1;
     std::uint32_t erased : 1;
 
@@ -144,9 +153,7 @@ class PreferenceMap::Tables {
   void ReserveFor(const Tables& other);
   void Adopt(Tables&& other);
 
-  const Variant& GetOther(const Preference& preference) const {
-    return others_[preference.value_.other];
-  }
+  PreferenceValue ValueOf(const Preference& preference) const;
   std::vector<const Preference*> GetPreferences(std::uint32_t category) const;
 
  private:
@@ -173,21 +180,27 @@ class PreferenceMap::Tables {
                  : name.EqualsImage(stored.data() + PaddedSize(stored.size()));
   }
 
+  /// Calls `function` with every preference of a category.
+  template <typename Function>
+  void ForEachOf(const CategoryEntry& category, Function function) const {
+    for (std::uint32_t ref = category.first; ref != kNone; ref = At(ref).next_) {
+      if (At(ref).kind_ != Kind::kErased) {
+        function(ref);
+      }
+    }
+  }
+
   /// Calls `function` with every preference and its category.
   template <typename Function>
   void ForEach(Function function) const {
-    for (const std::uint32_t category : categories_) {
-      for (std::uint32_t ref = CategoryAt(category).first; ref != kNone; ref = At(ref).next_) {
-        if (At(ref).kind_ != Kind::kErased) {
-          function(CategoryAt(category), At(ref));
-        }
-      }
+    for (const std::uint32_t ref : categories_) {
+      const CategoryEntry& category = CategoryAt(ref);
+      ForEachOf(category, [&](std::uint32_t preference) { function(category, At(preference)); });
     }
   }
 
   Content MakeContent(const PreferenceValue& value);
   TextHeader* NewText(std::string_view text);
-  PreferenceValue ValueOf(const Preference& preference) const;
 
   void DropValue(const Preference& preference) noexcept;
 
@@ -242,12 +255,9 @@ PreferenceMap::Tables::Tables(const Tables& other) : erased_(other.erased_), fil
       continue;
     }
     const std::uint32_t copy = CopyCategory(category);
-    for (std::uint32_t ref = category.first; ref != kNone; ref = other.At(ref).next_) {
-      const Preference& preference = other.At(ref);
-      if (preference.kind_ != Kind::kErased) {
-        CopyPreference(copy, preference, other.ValueOf(preference));
-      }
-    }
+    other.ForEachOf(category, [&](std::uint32_t ref) {
+      CopyPreference(copy, other.At(ref), other.ValueOf(other.At(ref)));
+    });
   }
 }
 
@@ -446,11 +456,7 @@ void PreferenceMap::Tables::Adopt(Tables&& other) {
 std::vector<const Preference*> PreferenceMap::Tables::GetPreferences(std::uint32_t category) const {
   std::vector<const Preference*> preferences;
   preferences.reserve(CategoryAt(category).count);
-  for (std::uint32_t ref = CategoryAt(category).first; ref != kNone; ref = At(ref).next_) {
-    if (At(ref).kind_ != Kind::kErased) {
-      preferences.push_back(&At(ref));
-    }
-  }
+  ForEachOf(CategoryAt(category), [&](std::uint32_t ref) { preferences.push_back(&At(ref)); });
   SortByName(preferences, [](const Preference* preference) { return preference->Name(); });
   return preferences;
 }
@@ -610,12 +616,10 @@ void PreferenceMap::Tables::LinkCategory(std::uint32_t ref) noexcept {
 }
 
 void PreferenceMap::Tables::EmptyCategory(CategoryEntry& category) noexcept {
-  for (std::uint32_t ref = category.first; ref != kNone; ref = At(ref).next_) {
-    if (At(ref).kind_ != Kind::kErased) {
-      preference_slots_.Remove(At(ref).hash_, ref);
-      MarkErased(At(ref));
-    }
-  }
+  ForEachOf(category, [this](std::uint32_t ref) {
+    preference_slots_.Remove(At(ref).hash_, ref);
+    MarkErased(At(ref));
+  });
   category.count = 0;
   category.first = kNone;
   category.last = kNone;
@@ -653,32 +657,20 @@ PreferenceMap::~PreferenceMap() = default;
 bool PreferenceMap::Empty() const { return tables_ == nullptr || tables_->Empty(); }
 
 bool PreferenceMap::HasCategory(const FoldedName& category) const {
-  return tables_ != nullptr && tables_->FindCategory(category) != kNone;
+  return RefOf(category) != kNone;
 }
 
 const Preference* PreferenceMap::Find(const FoldedPair& pair) const {
-  const std::uint32_t found = tables_ != nullptr ? tables_->FindPreference(pair) : kNone;
+  const std::uint32_t found = RefOf(pair);
   return found != kNone ? &tables_->At(found) : nullptr;
-}
-
-Variant PreferenceMap::GetValue(const Preference& preference) const {
-  switch (preference.kind_) {
-    case Preference::kInt:
-      return preference.value_.integer;
-    case Preference::kBool:
-      return preference.value_.boolean;
-    case Preference::kDouble:
-      return preference.value_.real;
-    case Preference::kText:
-      return vemora_ustring::FromUtf8(preference.GetText());
-    default:
-      return tables_->GetOther(preference);
-  }
 }
 
 Preference* PreferenceMap::Find(const FoldedPair& pair) {
-  const std::uint32_t found = tables_ != nullptr ? tables_->FindPreference(pair) : kNone;
-  return found != kNone ? &tables_->At(found) : nullptr;
+  return const_cast<Preference*>(std::as_const(*this).Find(pair));
+}
+
+Variant PreferenceMap::GetValue(const Preference& preference) const {
+  return std::visit(ToVariant(), tables_->ValueOf(preference));
 }
 
 void PreferenceMap::Add(const FoldedPair& pair, const PreferenceValue& value) {
@@ -699,7 +691,7 @@ void PreferenceMap::ForgetHomes() {
 }
 
 bool PreferenceMap::Erase(const FoldedPair& pair) {
-  const std::uint32_t found = tables_ != nullptr ? tables_->FindPreference(pair) : kNone;
+  const std::uint32_t found = RefOf(pair);
   if (found == kNone) {
     return false;
   }
@@ -708,7 +700,7 @@ bool PreferenceMap::Erase(const FoldedPair& pair) {
 }
 
 bool PreferenceMap::EraseCategory(const FoldedName& category) {
-  const std::uint32_t found = tables_ != nullptr ? tables_->FindCategory(category) : kNone;
+  const std::uint32_t found = RefOf(category);
   if (found == kNone) {
     return false;
   }
@@ -797,8 +789,16 @@ std::vector<const Preference*> PreferenceMap::GetPreferences(const Category& cat
 }
 
 std::vector<const Preference*> PreferenceMap::GetPreferences(const FoldedName& category) const {
-  const std::uint32_t found = tables_ != nullptr ? tables_->FindCategory(category) : kNone;
+  const std::uint32_t found = RefOf(category);
   return found != kNone ? tables_->GetPreferences(found) : std::vector<const Preference*>();
+}
+
+std::uint32_t PreferenceMap::RefOf(const FoldedPair& pair) const {
+  return tables_ != nullptr ? tables_->FindPreference(pair) : kNone;
+}
+
+std::uint32_t PreferenceMap::RefOf(const FoldedName& category) const {
+  return tables_ != nullptr ? tables_->FindCategory(category) : kNone;
 }
 
 PreferenceMap::Tables& PreferenceMap::MakeTables() {

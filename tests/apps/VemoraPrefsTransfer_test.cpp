@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 
+#include "empty_files.h"
 #include "registry_key.h"
 #include "vemora_prefs.h"
 
@@ -45,14 +46,6 @@ constexpr char kShared[] = R"({
             "Runs": 16
         }
     }
-})";
-constexpr char kEmptyShared[] = R"({
-    "Shared for All Computers": {},
-    "Windows Only": {},
-    "Mac Only": {},
-    "Web Only": {},
-    "iOS Only": {},
-    "Android Only": {}
 })";
 constexpr char kBoth[] = " --private p.json --shared s.json ";
 
@@ -308,7 +301,7 @@ TEST_F(VemoraPrefsMigrate, TellsWhatFilesDoNotHold) {
 
 TEST_F(VemoraPrefsMigrate, TellsOfRoundedDoubles) {
   Write("p.json", R"({"": {"c": {"k": 0.12345678}}})");
-  Write("s.json", kEmptyShared);
+  Write("s.json", kEmptySharedFile);
   const Ended ended = MigrateToRegistry();
   EXPECT_EQ(ended.code, 1U);
   EXPECT_THAT(ended.out, EndsWith("\nc / k is rounded from 0.12345678 to 0.123457\n"));
@@ -335,7 +328,7 @@ TEST_F(VemoraPrefsMigrate, TakesTheClassifiedOneOfTwoLevels) {
 
 TEST_F(VemoraPrefsMigrate, TellsWhatTheRegistryDoesNotReadBack) {
   Write("p.json", R"({"": {"\\a": {"k": 1}, "c": {"k": "zero\u0000inside", "z\u0000": 1}}})");
-  Write("s.json", kEmptyShared);
+  Write("s.json", kEmptySharedFile);
   const Ended ended = MigrateToRegistry();
   EXPECT_EQ(ended.code, 1U);
   EXPECT_THAT(ended.out, HasSubstr("\nc / k does not read back as it was\n"));
@@ -402,7 +395,7 @@ TEST_F(VemoraPrefsMigrate, TakesTenThousandThereAndBack) {
     text += '}';
   }
   Write("p.json", text + "}}");
-  Write("s.json", kEmptyShared);
+  Write("s.json", kEmptySharedFile);
   EXPECT_THAT(MigrateToRegistry().out, EndsWith("\nwrote 10000 and read them back\n"));
   EXPECT_THAT(MigrateToFiles(), Succeeded());
   EXPECT_THAT(Run(std::string("diff") + kBoth + "--with-private p2.json --with-shared s2.json"),

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <vector>
 
+#include "empty_files.h"
 #include "run_program.h"
 #include "support.h"
 
@@ -45,14 +46,6 @@ constexpr char kWrittenShared[] = R"({
             "number": 8
         }
     },
-    "Windows Only": {},
-    "Mac Only": {},
-    "Web Only": {},
-    "iOS Only": {},
-    "Android Only": {}
-})";
-constexpr char kEmptyShared[] = R"({
-    "Shared for All Computers": {},
     "Windows Only": {},
     "Mac Only": {},
     "Web Only": {},
@@ -197,7 +190,7 @@ TEST_F(Lifetime, SavedChangesAreNotSavedAgainAtExit) {
 TEST_F(Lifetime, AMissingSharedFileIsWrittenAtExitWithoutAnyChange) {
   MakePrivateFile();
   RunHost({L"set-paths"});
-  EXPECT_EQ(ReadBytes(shared_file()), kEmptyShared);
+  EXPECT_EQ(ReadBytes(shared_file()), kEmptySharedFile);
 }
 
 TEST_F(Lifetime, AMissingSharedFileMakesThePrivateFileBeRewrittenToo) {
@@ -210,7 +203,7 @@ TEST_F(Lifetime, AnEmptySharedFileIsWrittenAtExitWithoutAnyChange) {
   MakePrivateFile();
   WriteBytes(shared_file(), "");
   RunHost({L"set-paths"});
-  EXPECT_EQ(ReadBytes(shared_file()), kEmptyShared);
+  EXPECT_EQ(ReadBytes(shared_file()), kEmptySharedFile);
 }
 
 TEST_F(Lifetime, AMissingSharedFileIsNotWrittenWhenSavingIsOff) {

@@ -9,7 +9,6 @@
 #include <fstream>
 #include <memory>
 #include <ostream>
-#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -94,14 +93,6 @@ class ProtectedFaults : public StoreTest {
     return dirty;
   }
 
-  std::set<std::string> FilesInFolder() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-      names.insert(entry.path().filename().string());
-    }
-    return names;
-  }
-
   std::string new_private;
   std::string new_shared;
   std::string old_private;
@@ -145,7 +136,7 @@ TEST_P(ProtectedSaveWithAFault, LosesNothingAndTellsHowItWent) {
     store.SavePreferences();
     EXPECT_EQ(ReadBytes(private_file), new_private) << call;
     EXPECT_EQ(ReadBytes(shared_file), new_shared) << call;
-    EXPECT_THAT(FilesInFolder(),
+    EXPECT_THAT(folder.FileNames(),
                 UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"))
         << call;
   }
@@ -184,7 +175,7 @@ TEST_F(ProtectedFaults, AReplaceThatFailsFiveTimesFails) {
   EXPECT_EQ(GetLastSaveResult().error, DWORD{ERROR_ACCESS_DENIED});
   EXPECT_EQ(ReadBytes(shared_file), old_shared);
   EXPECT_EQ(AttributesOf(shared_file), kReadOnlyAndHidden);
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
 }
 
@@ -325,15 +316,24 @@ class FileCalls {
   std::vector<std::shared_ptr<void>> hooks_;
 };
 
+const std::vector<std::string> kCallsOfASave = {
+    "GetFileAttributesW shared.json",
+    "DeleteFileW shared.json",
+    "CreateFileW shared.json",
+    "WriteFile",
+    "CloseHandle",
+    "GetFileAttributesW private.json",
+    "DeleteFileW private.json",
+    "CreateFileW private.json",
+    "WriteFile",
+    "CloseHandle",
+};
+
 TEST_F(ProtectedFaults, ASaveInTheOtherModeMakesTheCallsThatItAlwaysMade) {
   SetSaveMode(ESaveMode::kRewriteInPlace);
   const FileCalls record;
   store.SavePreferences();
-  EXPECT_THAT(record.calls(),
-              ElementsAre("GetFileAttributesW shared.json", "DeleteFileW shared.json",
-                          "CreateFileW shared.json", "WriteFile", "CloseHandle",
-                          "GetFileAttributesW private.json", "DeleteFileW private.json",
-                          "CreateFileW private.json", "WriteFile", "CloseHandle"));
+  EXPECT_EQ(record.calls(), kCallsOfASave);
 }
 
 TEST_F(ProtectedFaults, ALoadInTheOtherModeMakesTheCallsThatItAlwaysMade) {
@@ -351,18 +351,14 @@ TEST_F(ProtectedFaults, TheEndOfAStoreInTheOtherModeMakesTheCallsThatItAlwaysMad
   ending->SetSavePrefsFlag(true, false);
   const FileCalls record;
   ending.reset();
-  EXPECT_THAT(record.calls(),
-              ElementsAre("GetFileAttributesW shared.json", "DeleteFileW shared.json",
-                          "CreateFileW shared.json", "WriteFile", "CloseHandle",
-                          "GetFileAttributesW private.json", "DeleteFileW private.json",
-                          "CreateFileW private.json", "WriteFile", "CloseHandle"));
+  EXPECT_EQ(record.calls(), kCallsOfASave);
 }
 
 TEST_F(ProtectedFaults, ASaveInTheOtherModeLeavesNoOtherFiles) {
   std::filesystem::remove(folder / "shared.json.lock");
   SetSaveMode(ESaveMode::kRewriteInPlace);
   store.SavePreferences();
-  EXPECT_THAT(FilesInFolder(), UnorderedElementsAre("private.json", "shared.json"));
+  EXPECT_THAT(folder.FileNames(), UnorderedElementsAre("private.json", "shared.json"));
 }
 
 }  // namespace

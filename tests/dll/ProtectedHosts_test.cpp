@@ -71,14 +71,6 @@ class ProtectedHosts : public ::testing::Test {
     return hosts;
   }
 
-  std::set<std::string> FilesInFolder() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-      names.insert(entry.path().filename().string());
-    }
-    return names;
-  }
-
   const ScratchFolder folder;
   const std::filesystem::path private_file = folder / "private.json";
   const std::filesystem::path shared_file = folder / "shared.json";
@@ -119,13 +111,13 @@ TEST_F(ProtectedHosts, KilledAtAnyInstantLeaveBothFilesWholeAndNoOlderThanTheLas
                 ::testing::AllOf(::testing::Ge(completed), ::testing::Le(completed + 1)));
     ASSERT_THAT(shared_round, ::testing::AnyOf(private_round, private_round + 1));
     between_files += shared_round != private_round ? 1 : 0;
-    litter += FilesInFolder().size() > 4 ? 1 : 0;
+    litter += folder.FileNames().size() > 4 ? 1 : 0;
   }
   std::cout << "of " << kills << " kills: " << between_files << " between the two files, " << litter
             << " while files were written aside\n";
   LoadedStore store = Load();
   store.SavePreferences();
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "progress", "shared.json", "shared.json.lock"));
 }
 
@@ -144,7 +136,7 @@ TEST_F(ProtectedHosts, SavingDistinctPreferencesLoseNone) {
     }
   }
   EXPECT_EQ(found, 2 * kHosts * saves);
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
 }
 
@@ -184,7 +176,7 @@ TEST_F(ProtectedHosts, SavingTheSamePreferencesLeaveFilesThatAlwaysParse) {
                   ::testing::AllOf(::testing::Ge(saves / 4), ::testing::Le(2 * saves)));
     }
   }
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
 }
 

@@ -258,7 +258,7 @@ MUTANTS = [
            "SaveFiles(levels, {SharedFile(sharedPath)}, GetPathOfLock())) {\n    dirty = false;",
            "SaveFiles(levels, {SharedFile(sharedPath)}, GetPathOfLock())) {\n    dirty = true;"),
     Mutant("json store: lost entries not told", "prefs/JsonCommon.cpp",
-           "all_stored = false;", "all_stored = true;"),
+           "stored.all = false;", "stored.all = true;"),
     Mutant("json store: a new classification forgets nothing", "prefs/JsonCommon.cpp",
            "    level.ForgetHomes();\n", "    static_cast<void>(level);\n"),
     Mutant("json store: a displaced preference is still at home", "prefs/JsonCommon.cpp",

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "failing_allocator.h"
+#include "long_texts.h"
 #include "prefs/JsonCommon.h"
 #include "prefs/Preferences.h"
 #include "prefs/PreferencesDefaults.h"
@@ -19,17 +20,17 @@
 namespace vemora::prefs {
 namespace {
 
+using testing::kNewCategory;
+using testing::kNewText;
+using testing::kOldCategory;
+using testing::kOldKey;
+using testing::kOldText;
 using testing::RegistryKey;
 using testing::ScratchFolder;
 using testing::Succeeds;
 using testing::ToText;
 
 // Longer than what a string keeps inside itself.
-const vemora_ustring kOldText = "an old text that is long enough to be on the heap";
-const vemora_ustring kNewText = "a new text that is long enough to be on the heap";
-const vemora_ustring kCategory = "A category of long enough a name";
-const vemora_ustring kNewCategory = "Another category of long enough a name";
-const vemora_ustring kKey = "A key of long enough a name";
 const std::string kOldBytes = "old bytes that are enough to be on the heap";
 const std::string kNewBytes = "new bytes that are enough to be on the heap";
 
@@ -86,25 +87,25 @@ class RegistryOutOfMemory : public BackEndOutOfMemory,
     PreferencesRegistry::SetWriteImmediately(immediately);
     SetPath(key_.path());
     IPreferences& preferences = Get();
-    preferences.WriteString(kCategory, kKey, kOldText);
-    preferences.WriteInt(kCategory, "int", -1);
-    preferences.WriteBool(kCategory, "bool", false);
-    preferences.WriteDouble(kCategory, "double", 0.25);
-    preferences.WriteBinary(kCategory, "binary", kOldBytes);
-    key_.SetText(kCategory, "stored", kOldText);
-    preferences.DeletePreference(kNewCategory, kKey);
+    preferences.WriteString(kOldCategory, kOldKey, kOldText);
+    preferences.WriteInt(kOldCategory, "int", -1);
+    preferences.WriteBool(kOldCategory, "bool", false);
+    preferences.WriteDouble(kOldCategory, "double", 0.25);
+    preferences.WriteBinary(kOldCategory, "binary", kOldBytes);
+    key_.SetText(kOldCategory, "stored", kOldText);
+    preferences.DeletePreference(kNewCategory, kOldKey);
   }
 
   static std::string Describe() {
     IPreferences& preferences = Get();
     return PreferencesRegistry::GetPath().ToUtf8() + ';' +
-           preferences.ReadString(kCategory, kKey, "none").ToUtf8() + ';' +
-           preferences.ReadString(kNewCategory, kKey, "none").ToUtf8() + ';' +
-           preferences.ReadString(kCategory, "stored", "none").ToUtf8() + ';' +
-           preferences.ReadBinary(kCategory, "binary", "none") + ';' +
-           std::to_string(preferences.ReadInt(kCategory, "int", 0)) + ';' +
-           std::to_string(preferences.ReadBool(kCategory, "bool", false)) + ';' +
-           std::to_string(preferences.ReadDouble(kCategory, "double", 0.0));
+           preferences.ReadString(kOldCategory, kOldKey, "none").ToUtf8() + ';' +
+           preferences.ReadString(kNewCategory, kOldKey, "none").ToUtf8() + ';' +
+           preferences.ReadString(kOldCategory, "stored", "none").ToUtf8() + ';' +
+           preferences.ReadBinary(kOldCategory, "binary", "none") + ';' +
+           std::to_string(preferences.ReadInt(kOldCategory, "int", 0)) + ';' +
+           std::to_string(preferences.ReadBool(kOldCategory, "bool", false)) + ';' +
+           std::to_string(preferences.ReadDouble(kOldCategory, "double", 0.0));
   }
 
   const RegistryKey key_;
@@ -116,23 +117,23 @@ TEST_P(RegistryOutOfMemory, LeavesTheOldStateOrTheNew) {
 }
 
 const std::vector<Operation> kRegistryOperations = {
-    {"WriteOfANewCategory", [] { Get().WriteString(kNewCategory, kKey, kNewText); }},
-    {"WriteOverAValue", [] { Get().WriteString(kCategory, kKey, kNewText); }},
-    {"WriteOfAnInt", [] { Get().WriteInt(kCategory, "int", 1); }},
-    {"WriteOfABool", [] { Get().WriteBool(kCategory, "bool", true); }},
-    {"WriteOfADouble", [] { Get().WriteDouble(kCategory, "double", 2.5); }},
-    {"WriteOfBytes", [] { Get().WriteBinary(kCategory, "binary", kNewBytes); }},
-    {"ReadOfACachedText", [] { Get().ReadString(kCategory, kKey, kNewText); }},
-    {"ReadOfAStoredText", [] { Get().ReadString(kCategory, "stored", kNewText); }},
-    {"ReadOfAnAbsentText", [] { Get().ReadString(kCategory, "absent", kNewText); }},
-    {"ReadOfAnInt", [] { Get().ReadInt(kCategory, "int", 1); }},
-    {"ReadOfABool", [] { Get().ReadBool(kCategory, "bool", true); }},
-    {"ReadOfADouble", [] { Get().ReadDouble(kCategory, "stored", 2.5); }},
-    {"ReadOfBytes", [] { Get().ReadBinary(kCategory, "binary", kNewBytes); }},
-    {"IsPreferenceSet", [] { Get().IsPreferenceSet(kCategory, "stored"); }},
-    {"CategoryExists", [] { Get().CategoryExists(kCategory); }},
-    {"DeletePreference", [] { Get().DeletePreference(kCategory, "stored"); }},
-    {"DeleteCategory", [] { Get().DeleteCategory(kCategory); }},
+    {"WriteOfANewCategory", [] { Get().WriteString(kNewCategory, kOldKey, kNewText); }},
+    {"WriteOverAValue", [] { Get().WriteString(kOldCategory, kOldKey, kNewText); }},
+    {"WriteOfAnInt", [] { Get().WriteInt(kOldCategory, "int", 1); }},
+    {"WriteOfABool", [] { Get().WriteBool(kOldCategory, "bool", true); }},
+    {"WriteOfADouble", [] { Get().WriteDouble(kOldCategory, "double", 2.5); }},
+    {"WriteOfBytes", [] { Get().WriteBinary(kOldCategory, "binary", kNewBytes); }},
+    {"ReadOfACachedText", [] { Get().ReadString(kOldCategory, kOldKey, kNewText); }},
+    {"ReadOfAStoredText", [] { Get().ReadString(kOldCategory, "stored", kNewText); }},
+    {"ReadOfAnAbsentText", [] { Get().ReadString(kOldCategory, "absent", kNewText); }},
+    {"ReadOfAnInt", [] { Get().ReadInt(kOldCategory, "int", 1); }},
+    {"ReadOfABool", [] { Get().ReadBool(kOldCategory, "bool", true); }},
+    {"ReadOfADouble", [] { Get().ReadDouble(kOldCategory, "stored", 2.5); }},
+    {"ReadOfBytes", [] { Get().ReadBinary(kOldCategory, "binary", kNewBytes); }},
+    {"IsPreferenceSet", [] { Get().IsPreferenceSet(kOldCategory, "stored"); }},
+    {"CategoryExists", [] { Get().CategoryExists(kOldCategory); }},
+    {"DeletePreference", [] { Get().DeletePreference(kOldCategory, "stored"); }},
+    {"DeleteCategory", [] { Get().DeleteCategory(kOldCategory); }},
     {"SavePreferences", [] { Get().SavePreferences(); }},
     {"Synchronize", [] { Get().Synchronize(); }},
     {"SetPath", [] { SetPath(kNewText); }},
@@ -156,16 +157,18 @@ TEST_F(RegistryFlushOutOfMemory, IsMadeUpForByTheNextOne) {
   SetPath(key.path());
   bool success = false;
   for (int allocations = 0; !success; ++allocations) {
-    key.SetText(kCategory, kKey, kOldText);
-    key.SetText(kNewCategory, kKey, kOldText);
-    Get().WriteString(kCategory, kKey, kNewText);
-    Get().WriteString(kNewCategory, kKey, kNewText);
+    key.SetText(kOldCategory, kOldKey, kOldText);
+    key.SetText(kNewCategory, kOldKey, kOldText);
+    Get().WriteString(kOldCategory, kOldKey, kNewText);
+    Get().WriteString(kNewCategory, kOldKey, kNewText);
     success = Succeeds(allocations, [] { Get().SavePreferences(); });
-    EXPECT_THAT(key.Text(kCategory, kKey), ::testing::AnyOf(kOldText, kNewText)) << allocations;
-    EXPECT_THAT(key.Text(kNewCategory, kKey), ::testing::AnyOf(kOldText, kNewText)) << allocations;
+    EXPECT_THAT(key.Text(kOldCategory, kOldKey), ::testing::AnyOf(kOldText, kNewText))
+        << allocations;
+    EXPECT_THAT(key.Text(kNewCategory, kOldKey), ::testing::AnyOf(kOldText, kNewText))
+        << allocations;
     Get().SavePreferences();
-    EXPECT_EQ(key.Text(kCategory, kKey), kNewText) << allocations;
-    EXPECT_EQ(key.Text(kNewCategory, kKey), kNewText) << allocations;
+    EXPECT_EQ(key.Text(kOldCategory, kOldKey), kNewText) << allocations;
+    EXPECT_EQ(key.Text(kNewCategory, kOldKey), kNewText) << allocations;
   }
 }
 
@@ -183,9 +186,9 @@ class FrontDoorOutOfMemory : public BackEndOutOfMemory {
   void MakeFiles(const char* name, const vemora_ustring& text) const {
     JsonCommon store;
     store.SetPaths(Private(name), Shared(name));
-    store.WriteString(kCategory, kKey, text);
+    store.WriteString(kOldCategory, kOldKey, text);
     const ShareLevelOverride shared(kSharedForAllComputers);
-    store.WriteString(kCategory, kKey, text);
+    store.WriteString(kOldCategory, kOldKey, text);
     store.SavePreferences();
   }
 
@@ -201,7 +204,7 @@ class FrontDoorOutOfMemory : public BackEndOutOfMemory {
   void PrepareRegistry() const {
     Forget();
     SetPath(key_.path());
-    Get().WriteString(kCategory, kKey, kOldText);
+    Get().WriteString(kOldCategory, kOldKey, kOldText);
   }
 
   /// The back end, where it keeps the values, and the values. Makes a back end if there is none.
@@ -213,7 +216,7 @@ class FrontDoorOutOfMemory : public BackEndOutOfMemory {
                          : PreferencesRegistry::GetPath().ToUtf8();
     for (const EShareLevel level : {kThisComputerOnly, kSharedForAllComputers}) {
       const ShareLevelOverride override(level);
-      description += ';' + preferences.ReadString(kCategory, kKey, "none").ToUtf8();
+      description += ';' + preferences.ReadString(kOldCategory, kOldKey, "none").ToUtf8();
     }
     return description + ';' + std::to_string(preferences.GetLevel("Preferences", "DisplayTabs"));
   }
@@ -240,7 +243,7 @@ TEST_F(FrontDoorOutOfMemory, SetPathsKeepsTheValuesAndLoadsTheFilesAtTheNextCall
   bool success = false;
   for (int allocations = 0; !success; allocations += kLoadStep) {
     PrepareJson();
-    const auto read = [] { return Get().ReadString(kCategory, kKey, "none"); };
+    const auto read = [] { return Get().ReadString(kOldCategory, kOldKey, "none"); };
     success = Succeeds(allocations, [this] { SetPathsTo("new"); });
     EXPECT_EQ(read(), success ? kNewText : kOldText) << allocations;
     SetPathsTo("new");
@@ -256,7 +259,7 @@ TEST_F(FrontDoorOutOfMemory, SetPathsLeavesFilesAloneThatItCouldNotLoad) {
   };
   int allocations = 0;
   while (fail(allocations)) {
-    Get().WriteString(kCategory, "other", kOldText);
+    Get().WriteString(kOldCategory, "other", kOldText);
     Get().SavePreferences();
     ASSERT_EQ(testing::ReadBytes(folder_ / "new" / "private.json"), bytes) << allocations;
     PrepareJson();

@@ -738,6 +738,62 @@ TEST(JsonCommonWriteDictionary, DeletesTheCategoryThroughTheVirtualOperation) {
   EXPECT_THAT(store.deleted, ::testing::ElementsAre(Utf8("Window.dictionary")));
 }
 
+/// A store of a host that lets nothing be deleted.
+class KeepingStore : public OpenStore {
+ public:
+  KeepingStore() {
+    SetSavePrefsFlag(false, false);
+    WriteInt("Window.dictionary", "height", 480);
+    WriteInt("Window.dictionary", "width", 640);
+    dictionary.Set("WIDTH", 800);
+    dictionary.Set("depth", 24);
+  }
+  void DeleteCategory(const vemora_ustring& /*category*/) override {}
+
+  Dictionary dictionary;
+};
+
+TEST(JsonCommonWriteDictionary, StoresIntoACategoryThatAHostKeeps) {
+  KeepingStore store;
+  EXPECT_TRUE(store.WriteDictionary("Window", store.dictionary));
+  Dictionary read;
+  store.ReadDictionary("Window", read);
+  EXPECT_EQ(read.values, (Dictionary::Values{{"height", 480}, {"width", 800}, {"depth", 24}}));
+}
+
+TEST(JsonCommonWriteDictionary, MakesNoSecondCategoryOfOneThatAHostKeeps) {
+  KeepingStore store;
+  store.WriteDictionary("Window", store.dictionary);
+  EXPECT_THAT(store.GetCategories(kThisComputerOnly),
+              ::testing::ElementsAre(Utf8("Window.dictionary")));
+}
+
+TEST(JsonCommonWriteDictionary, StoresIntoTheLevelsWithoutTheCategoryThatAHostKeepsInOthers) {
+  KeepingStore store;
+  const ShareLevelOverride level(kMacOnly);
+  store.WriteDictionary("Window", store.dictionary);
+  EXPECT_EQ(store.ReadInt("Window.dictionary", "width", 0), 800);
+}
+
+TEST(JsonCommonWriteDictionary, WithoutOverwritingLeavesTheEntriesThatAHostKeeps) {
+  KeepingStore store;
+  const OverwriteOverride guard(false);
+  store.WriteDictionary("Window", store.dictionary);
+  EXPECT_EQ(store.ReadInt("Window.dictionary", "width", 0), 640);
+  EXPECT_EQ(store.ReadInt("Window.dictionary", "depth", 0), 24);
+}
+
+TEST_F(JsonCommonDictionary, OfWhichAHostKeepsAllIsNoChangeWithoutOverwriting) {
+  KeepingStore keeping;
+  keeping.SetPaths(store.GetPrivatePath(), store.GetSharedPath());
+  keeping.SavePreferences();
+  dictionary.Set("width", 800);
+  const OverwriteOverride guard(false);
+  keeping.WriteDictionary("Window", dictionary);
+  static_cast<JsonCommon&>(store) = keeping;
+  EXPECT_FALSE(IsDirty());
+}
+
 TEST(JsonCommonSynchronize, SavesThroughTheVirtualOperationAndLoadsNothing) {
   CountingStore store;
   store.Synchronize();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "failing_allocator.h"
+#include "long_texts.h"
 #include "prefs/JsonCommon.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/SaveMode.h"
@@ -18,19 +19,17 @@
 namespace vemora::prefs {
 namespace {
 
+using testing::kNewCategory;
+using testing::kNewKey;
+using testing::kNewText;
+using testing::kOldCategory;
+using testing::kOldKey;
+using testing::kOldText;
 using testing::ScratchFolder;
 using testing::Succeeds;
 using testing::ToText;
 using utils::Dictionary;
 using utils::Variant;
-
-// Longer than what a string keeps inside itself.
-const vemora_ustring kOldText = "an old text that is long enough to be on the heap";
-const vemora_ustring kNewText = "a new text that is long enough to be on the heap";
-const vemora_ustring kOldCategory = "A category of long enough a name";
-const vemora_ustring kNewCategory = "Another category of long enough a name";
-const vemora_ustring kOldKey = "A key of long enough a name";
-const vemora_ustring kNewKey = "Another key of long enough a name";
 
 /// A store with a value and a dictionary, which never writes files by itself.
 class FilledStore : public JsonCommon {
@@ -263,6 +262,30 @@ TEST(OutOfMemoryInDictionaries, WriteLeavesNoEmptyCategory) {
       EXPECT_EQ(read.Find("second")->second.GetString(), kNewText);
       break;
     }
+  }
+}
+
+/// A store of a host that lets no category be deleted.
+class KeepingStore : public FilledStore {
+ public:
+  void DeleteCategory(const vemora_ustring& /*category*/) override {}
+};
+
+TEST(OutOfMemoryInDictionaries, WriteIntoACategoryThatAHostKeepsStoresAllOrNothing) {
+  Dictionary entries;
+  entries.Set("first", kNewText);
+  entries.Set("second", kNewText);
+  KeepingStore untouched;
+  const std::string before = Describe(untouched);
+  for (int allocations = 0;; ++allocations) {
+    KeepingStore store;
+    if (Succeeds(allocations, [&] { store.WriteDictionary("Dictionary", entries); })) {
+      Dictionary read;
+      store.ReadDictionary("Dictionary", read);
+      EXPECT_EQ(read.values, entries.values);
+      break;
+    }
+    ASSERT_EQ(Describe(store), before) << allocations;
   }
 }
 

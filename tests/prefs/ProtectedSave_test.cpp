@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <set>
 #include <string>
 
 #include "prefs/PreferencesDefaults.h"
@@ -64,14 +63,6 @@ class ProtectedSave : public StoreTest {
     return fresh.ReadInt(category, key, -1);
   }
 
-  std::set<std::string> FilesInFolder() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-      names.insert(entry.path().filename().string());
-    }
-    return names;
-  }
-
   /// Asked in the other mode, so that the answer leaves no lock file.
   bool IsDirty() const {
     SetSaveMode(ESaveMode::kRewriteInPlace);
@@ -106,7 +97,7 @@ TEST_F(ProtectedSave, WritesTheBytesThatASaveInPlaceWrites) {
 
 TEST_F(ProtectedSave, LeavesTheFilesAndTheLockFileOnly) {
   store.SavePreferences();
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
 }
 
@@ -114,7 +105,7 @@ TEST_F(ProtectedSave, RemovesWhatAKilledSaveLeft) {
   WriteBytes(folder / "private.json.tmp", "half of a fi");
   WriteBytes(folder / "shared.json.tmp", "");
   store.SavePreferences();
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
 }
 
@@ -165,7 +156,7 @@ TEST_F(ProtectedSave, WithOnePathSavesThatFile) {
   store.WriteInt("Category", "key", 3);
   store.SavePreferences();
   EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kSaved);
-  EXPECT_THAT(FilesInFolder(), UnorderedElementsAre("private.json", "private.json.lock"));
+  EXPECT_THAT(folder.FileNames(), UnorderedElementsAre("private.json", "private.json.lock"));
 }
 
 // --- several processes ----------------------------------------------------------------------
@@ -395,7 +386,7 @@ TEST_F(ProtectedSave, FailsOnAFolderInPlaceOfTheFileAndLeavesTheOtherFile) {
   store.SavePreferences();
   ExpectFailure();
   EXPECT_EQ(Saved("key"), 1);
-  EXPECT_THAT(FilesInFolder(),
+  EXPECT_THAT(folder.FileNames(),
               UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
   EXPECT_TRUE(IsDirty());
 }
@@ -468,8 +459,8 @@ TEST_P(ProtectedSaveOverABadFile, KeepsItsBytes) {
   store.SavePreferences();
   EXPECT_EQ(ReadBytes(folder / "private.json.bad"), GetParam());
   EXPECT_EQ(Saved("key"), 1);
-  EXPECT_THAT(FilesInFolder(), UnorderedElementsAre("private.json", "private.json.bad",
-                                                    "shared.json", "shared.json.lock"));
+  EXPECT_THAT(folder.FileNames(), UnorderedElementsAre("private.json", "private.json.bad",
+                                                       "shared.json", "shared.json.lock"));
 }
 
 TEST_F(ProtectedSave, KeepsABadFileThatAppearedAfterTheLoad) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "empty_files.h"
 #include "prefs/JsonCommon.h"
 #include "support.h"
 #include "utils/Variant.h"
@@ -15,21 +16,6 @@ namespace vemora::testing {
 using prefs::EShareLevel;
 using prefs::JsonCommon;
 using utils::Variant;
-
-constexpr std::string_view kEmptyPrivateFile =
-    "{\n"
-    "    \"This Computer Only\": {}\n"
-    "}";
-
-constexpr std::string_view kEmptySharedFile =
-    "{\n"
-    "    \"Shared for All Computers\": {},\n"
-    "    \"Windows Only\": {},\n"
-    "    \"Mac Only\": {},\n"
-    "    \"Web Only\": {},\n"
-    "    \"iOS Only\": {},\n"
-    "    \"Android Only\": {}\n"
-    "}";
 
 /// A store whose protected members tests can call.
 class OpenStore : public JsonCommon {
