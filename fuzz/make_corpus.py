@@ -56,6 +56,20 @@ def store_files():
         yield b'{"l":{"' + text + b'":{"' + text + b'":"' + text + b'"}}}' + SEPARATOR + text
 
 
+def json_text():
+    for text in store_files():
+        yield from text.split(SEPARATOR)
+    for value in VALUES + ["0e309", "0.0e309", "0.0e310", "-0", "01", "1.", "1e", "1e+5", "1e+-5",
+                           "-", "9223372036854775808", "-9223372036854775809", "9" * 309 + "e-9",
+                           "1" + "0" * 308, "1" + "0" * 309 + "e-9", "tru", "nul", "[1,2,{}]",
+                           "[1,]", '{"a":1,}', '"\\ud83d\\ude00\\ud83d"', '"\\u12G4"', '"\t"']:
+        for text in ('{"l":{"c":{"k":%s}}}', "%s", '{"l":{"c":{"d":[%s]}},"m":{"c":%s}}'):
+            yield text.replace("%s", value).encode()
+    long = "0123456789abcdef" * 3
+    for cut in range(40):
+        yield ('{"l": {"c": {"%s": "%s\u00e9"}}}' % (long[cut:], long[:cut])).encode()
+
+
 def utf8():
     yield from TEXTS
     yield b"".join(TEXTS)
@@ -118,7 +132,8 @@ def noise(seed):
 
 
 def main():
-    for target in (store_files, utf8, store_operations, variant, comparisons, path_text):
+    for target in (store_files, json_text, utf8, store_operations, variant, comparisons,
+                   path_text):
         folder = pathlib.Path(sys.argv[1]) / target.__name__
         folder.mkdir(parents=True, exist_ok=True)
         for old in folder.iterdir():

@@ -221,7 +221,8 @@ class PreferenceMap::Tables {
   std::uint32_t NewPreference(std::uint32_t hash, const FoldedName& folded, std::string_view key,
                               const PreferenceValue& value);
   void Chain(std::uint32_t ref, std::uint32_t category) noexcept;
-  bool IsBehindLast(const CategoryEntry& category, std::string_view key) const;
+  static bool IsSamePreference(const Preference& left, const Preference& right);
+  void MoveValue(Preference& from, Preference& to) noexcept;
   std::uint32_t AddCategory(std::string_view name, const FoldedName& folded);
   std::uint32_t CopyCategory(const CategoryEntry& other);
   void CopyPreference(std::uint32_t category, const Preference& other,
@@ -239,7 +240,6 @@ class PreferenceMap::Tables {
   std::size_t live_categories_ = 0;
   std::size_t wasted_ = 0;  // bytes
   std::uint32_t open_category_ = kNone;
-  bool in_order_ = false;  // the keys of the open category, as far as it was filled
   std::vector<SlotTable::Slot>
       unslotted_;  // preferences that `CloseCategories` puts into the table
   std::set<std::pair<vemora_ustring, std::optional<vemora_ustring>>> erased_;
@@ -369,7 +369,6 @@ void PreferenceMap::Tables::OpenCategory(std::string_view name) {
   if (open_category_ == kNone) {
     open_category_ = AddCategory(name, folded);
   }
-  in_order_ = CategoryAt(open_category_).count == 0;
 }
 
 void PreferenceMap::Tables::EmptyOpenCategory() {
@@ -377,41 +376,44 @@ void PreferenceMap::Tables::EmptyOpenCategory() {
     CloseCategories();
     EmptyCategory(CategoryAt(open_category_));
   }
-  in_order_ = true;
 }
 
 std::uint32_t PreferenceMap::Tables::SetInOpenCategory(std::string_view key,
                                                        const PreferenceValue& value) {
   const FoldedName folded(key);
   const std::uint32_t hash = HashOfPair(CategoryAt(open_category_).hash, folded.Hash());
-  in_order_ = in_order_ && IsBehindLast(CategoryAt(open_category_), key);
-  if (!in_order_) {
-    CloseCategories();
-    const std::uint32_t found = preference_slots_.Find(hash, [&](std::uint32_t ref) {
-      return At(ref).category_ == open_category_ && IsSameName(At(ref), folded);
-    });
-    if (found != kNone) {
-      Assign(At(found), value);
-      return hash;
-    }
-  }
   const std::uint32_t ref = NewPreference(hash, folded, key, value);
   unslotted_.push_back({hash, ref});
   Chain(ref, open_category_);
   return hash;
 }
 
-/// Whether a key comes after all those of a category that is in order, as in a file that the store
-/// wrote; then it is a new one.
-bool PreferenceMap::Tables::IsBehindLast(const CategoryEntry& category,
-                                         std::string_view key) const {
-  return category.last == kNone || CompareNames(At(category.last).Name(), key) < 0;
-}
-
+/// Of preferences that share a name the first one stays, with the value of the last one.
 void PreferenceMap::Tables::CloseCategories() {
   preference_slots_.Reserve(unslotted_.size());
-  preference_slots_.Add(unslotted_);
+  preference_slots_.Add(unslotted_, [this](std::uint32_t first, std::uint32_t later) {
+    if (!IsSamePreference(At(first), At(later))) {
+      return false;
+    }
+    MoveValue(At(later), At(first));
+    return true;
+  });
   unslotted_ = {};
+}
+
+/// Whether both have the same names; only those of one hash are asked about.
+bool PreferenceMap::Tables::IsSamePreference(const Preference& left, const Preference& right) {
+  return left.category_ == right.category_ && IsSameName(left, FoldedName(right.Name()));
+}
+
+/// Erases the preference that has the value, which is in no table.
+void PreferenceMap::Tables::MoveValue(Preference& from, Preference& to) noexcept {
+  DropValue(to);
+  to.kind_ = from.kind_;
+  to.value_ = from.value_;
+  from.kind_ = Kind::kErased;
+  wasted_ += SizeOf(from);
+  --CategoryAt(from.category_).count;
 }
 
 void PreferenceMap::Tables::ReserveFor(const Tables& other) {
@@ -734,6 +736,7 @@ std::uint32_t PreferenceMap::SetInOpenCategory(std::string_view key, const Prefe
 void PreferenceMap::CloseCategories() {
   if (tables_ != nullptr) {
     tables_->CloseCategories();
+    DropWaste();
   }
 }
 

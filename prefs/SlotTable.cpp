@@ -1,7 +1,5 @@
 #include "prefs/SlotTable.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -33,16 +31,6 @@ void SlotTable::Add(std::uint32_t hash, std::uint32_t number) noexcept {
   }
   slots_[index] = {hash, number};
   ++count_;
-}
-
-void SlotTable::Add(const std::vector<Slot>& slots) noexcept {
-  // In a large table nearly every slot is far away, so those of the next numbers are sent for.
-  constexpr std::size_t kAhead = 16;
-  for (std::size_t index = 0; index < slots.size(); ++index) {
-    const std::size_t next = std::min(index + kAhead, slots.size() - 1);
-    _mm_prefetch(reinterpret_cast<const char*>(&slots_[slots[next].hash & mask_]), _MM_HINT_T0);
-    Add(slots[index].hash, slots[index].number);
-  }
 }
 
 void SlotTable::Remove(std::uint32_t hash, std::uint32_t number) noexcept {

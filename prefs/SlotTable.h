@@ -2,6 +2,9 @@
 /// A hash table of numbers. Internal to the library.
 #pragma once
 
+#include <emmintrin.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -45,8 +48,22 @@ class SlotTable {
   /// Adds a number that is not there, for which there is room.
   void Add(std::uint32_t hash, std::uint32_t number) noexcept;
 
-  /// The same for many, which is much faster than one at a time.
-  void Add(const std::vector<Slot>& slots) noexcept;
+  /// The same for many, which is much faster than one at a time. A number for which
+  /// `replaces(other, number)` is true for another one of that hash is left out.
+  template <typename Replaces>
+  void Add(const std::vector<Slot>& slots, Replaces replaces) {
+    // In a large table nearly every slot is far away, so those of the next numbers are sent for.
+    constexpr std::size_t kAhead = 16;
+    for (std::size_t index = 0; index < slots.size(); ++index) {
+      const std::size_t next = std::min(index + kAhead, slots.size() - 1);
+      _mm_prefetch(reinterpret_cast<const char*>(&slots_[slots[next].hash & mask_]), _MM_HINT_T0);
+      const Slot& added = slots[index];
+      const auto matches = [&](std::uint32_t other) { return replaces(other, added.number); };
+      if (Find(added.hash, matches) == kNone) {
+        Add(added.hash, added.number);
+      }
+    }
+  }
 
   /// Removes a number that is there.
   void Remove(std::uint32_t hash, std::uint32_t number) noexcept;

@@ -494,7 +494,8 @@ INSTANTIATE_TEST_SUITE_P(Value, JsonFilesTooLargeNumber,
                                            "-1.8e308", "17976931348623159e292",
                                            "1" + std::string(400, '0'),
                                            "1" + std::string(300, '0') + "e300",
-                                           "1e99999999999999999999"));
+                                           "1e99999999999999999999", "0e309", "0.0e310",
+                                           "1" + std::string(400, '0') + "e-300"));
 
 // Loading: duplicates
 
@@ -507,6 +508,14 @@ TEST_F(JsonFilesLoad, TakesTheLaterOfTwoKeysThatDifferInCase) {
 TEST_F(JsonFilesLoad, TakesTheLaterOfTwoEqualKeys) {
   LoadPrivate(FileOf(R"("key": 1, "key": 2)"));
   EXPECT_EQ(store.ReadInt("C", "key", 0), 2);
+}
+
+TEST_F(JsonFilesLoad, TakesTheLastOfManyEqualKeysAndLosesAllAtOnce) {
+  LoadPrivate(FileOf(R"("a": "first", "key": 1, "A": 2, "a": "third", "A": "last")"));
+  EXPECT_EQ(store.ReadString("C", "a", ""), Utf8("last"));
+  store.DeletePreference("C", "a");
+  EXPECT_FALSE(store.IsPreferenceSet("C", "A"));
+  EXPECT_EQ(store.ReadInt("C", "key", 0), 1);
 }
 
 TEST_F(JsonFilesLoad, KeepsAKeyWhoseLaterDuplicateIsSkipped) {

@@ -1,0 +1,389 @@
+#include "prefs/JsonScanner.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <system_error>
+
+#include "utils/Ascii.h"
+
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
+
+namespace vemora::prefs {
+
+namespace {
+
+/// How many of the lowest bits are not set; there is one that is.
+unsigned CountTrailingZeros(unsigned bits) {
+#if defined(_MSC_VER)
+  unsigned long count = 0;
+  _BitScanForward(&count, bits);
+  return count;
+#else
+  return static_cast<unsigned>(__builtin_ctz(bits));
+#endif
+}
+
+/// A bit for each byte of the block that is that character.
+__m128i Equals(__m128i block, char character) {
+  return _mm_cmpeq_epi8(block, _mm_set1_epi8(character));
+}
+
+unsigned ToBits(__m128i block) { return static_cast<unsigned>(_mm_movemask_epi8(block)); }
+
+bool IsDigit(char character) { return character >= '0' && character <= '9'; }
+
+/// Whether all of the text is a number that fits.
+template <typename Number>
+bool Convert(std::string_view text, Number& number) {
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  return result.ec == std::errc() && result.ptr == end;
+}
+
+/// A number that follows the grammar, and its parts.
+struct NumberText {
+  std::string_view all;
+  std::string_view whole;
+  std::string_view fraction;
+  std::string_view power;
+
+  bool IsNegative() const { return all.front() == '-'; }
+  bool IsWhole() const { return fraction.empty() && power.empty(); }
+};
+
+/// Whether the whole part of a number is too large for a double, or so close to the largest one
+/// that one more digit might be.
+bool IsWholeTooLarge(const NumberText& number) {
+  constexpr std::size_t kDigitsThatFit = std::numeric_limits<double>::max_exponent10;
+  constexpr double kLargest = 1.7976931348623157e307;
+  if (number.whole.size() <= kDigitsThatFit) {
+    return false;
+  }
+  const std::uint64_t most =
+      number.IsNegative() ? std::uint64_t{1} << 63 : std::numeric_limits<std::uint64_t>::max();
+  std::uint64_t exact = 0;
+  const char* next = number.whole.data();
+  for (; exact < most / 10 || (exact == most / 10 && std::uint64_t(*next - '0') <= most % 10);
+       ++next) {
+    exact = exact * 10 + static_cast<std::uint64_t>(*next - '0');
+  }
+  auto rounded = static_cast<double>(exact);
+  for (; next != number.whole.data() + number.whole.size(); ++next) {
+    if (rounded >= kLargest) {
+      return true;
+    }
+    rounded = rounded * 10 + (*next - '0');
+  }
+  return false;
+}
+
+/// Whether the power of ten makes the number too large, were it not zero.
+bool IsPowerTooLarge(const NumberText& number) {
+  if (number.power.empty() || number.power.front() == '-') {
+    return false;
+  }
+  std::int64_t exponent = 0;
+  return !Convert(number.power, exponent) ||
+         exponent > std::numeric_limits<double>::max_exponent10 +
+                        static_cast<std::int64_t>(number.fraction.size());
+}
+
+/// Whether a number that no double can hold is too small, and not too large.
+bool IsTooSmall(const NumberText& number) {
+  std::int32_t exponent = 0;
+  if (!number.power.empty() && !Convert(number.power, exponent)) {
+    return number.power.front() == '-';
+  }
+  std::int64_t magnitude = exponent;
+  if (number.whole != "0") {
+    magnitude += static_cast<std::int64_t>(number.whole.size());
+  } else {
+    magnitude -= static_cast<std::int64_t>(number.fraction.find_first_not_of('0'));
+  }
+  return magnitude < 0;
+}
+
+/// False when the number is too large. Every double comes back as it was saved.
+bool ConvertNumber(const NumberText& number, std::optional<PreferenceValue>& value) {
+  std::int32_t integer = 0;
+  std::int64_t signed_integer = 0;
+  std::uint64_t large_integer = 0;
+  double real = 0;
+  if (number.IsWhole()) {
+    if (Convert(number.all, integer)) {
+      value = integer;
+      return true;
+    }
+    if (Convert(number.all, signed_integer) || Convert(number.all, large_integer)) {
+      return true;
+    }
+  }
+  if (IsWholeTooLarge(number) || IsPowerTooLarge(number)) {
+    return false;
+  }
+  if (Convert(number.all, real)) {
+    value = real;
+    return true;
+  }
+  value = number.IsNegative() ? -0.0 : 0.0;
+  return IsTooSmall(number);
+}
+
+/// What a character behind a backslash stands for, 0 when it is none of those.
+char Unescape(char character) {
+  switch (character) {
+    case '"':
+    case '\\':
+    case '/':
+      return character;
+    case 'b':
+      return '\b';
+    case 'f':
+      return '\f';
+    case 'n':
+      return '\n';
+    case 'r':
+      return '\r';
+    case 't':
+      return '\t';
+    default:
+      return 0;
+  }
+}
+
+constexpr std::size_t kUnitEscapeSize = 6;
+
+/// The code unit of an escape such as \uD800 at `text`, which ends with a zero.
+std::optional<char32_t> ReadUnit(const char* text) {
+  if (text[0] != '\\' || text[1] != 'u') {
+    return std::nullopt;
+  }
+  char32_t unit = 0;
+  for (const char* digit = text + 2; digit != text + kUnitEscapeSize; ++digit) {
+    unsigned value = 0;
+    if (std::from_chars(digit, digit + 1, value, 16).ec != std::errc()) {
+      return std::nullopt;
+    }
+    unit = unit * 16 + value;
+  }
+  return unit;
+}
+
+bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+/// @return behind what it wrote
+char* WriteUtf8(char32_t character, char* out) {
+  const auto write = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
+  if (character < 0x80) {
+    write(character);
+    return out;
+  }
+  if (character < 0x800) {
+    write(0xC0 | character >> 6);
+  } else {
+    if (character < 0x10000) {
+      write(0xE0 | character >> 12);
+    } else {
+      write(0xF0 | character >> 18);
+      write(0x80 | (character >> 12 & 0x3F));
+    }
+    write(0x80 | (character >> 6 & 0x3F));
+  }
+  write(0x80 | (character & 0x3F));
+  return out;
+}
+
+}  // namespace
+
+bool JsonScanner::ReadString(JsonText& text) {
+  if (!Take('"')) {
+    return false;
+  }
+  char* const start = position_;
+  text.ascii = SkipPlainCharacters();
+  char* out = position_;
+  while (*position_ == '\\') {
+    char* const unescaped = out;
+    out = ReadEscape(out);
+    if (out == nullptr) {
+      return false;
+    }
+    const char* const plain = position_;
+    const bool ascii = SkipPlainCharacters();
+    text.ascii = text.ascii && ascii && utils::IsAscii(*unescaped);
+    out = std::copy(plain, static_cast<const char*>(position_), out);
+  }
+  text.bytes = {start, static_cast<std::size_t>(out - start)};
+  if (*position_ != '"') {
+    return false;
+  }
+  ++position_;
+  return true;
+}
+
+bool JsonScanner::ReadPlainValue(std::optional<PreferenceValue>& value) {
+  switch (Peek()) {
+    case 't':
+      value = true;
+      return ReadWord("true");
+    case 'f':
+      value = false;
+      return ReadWord("false");
+    case 'n':
+      value = std::nullopt;
+      return ReadWord("null");
+    default:
+      value = std::nullopt;
+      return ReadNumber(value);
+  }
+}
+
+bool JsonScanner::SkipValue() {
+  std::string closing;  // of the objects and arrays that are open, the innermost last
+  do {
+    const char opening = Peek();
+    if (opening == '{' || opening == '[') {
+      ++position_;
+      closing.push_back(opening == '{' ? '}' : ']');
+      if (Peek() != closing.back()) {
+        JsonText name;
+        if (opening == '{' && !ReadName(name)) {
+          return false;
+        }
+        continue;
+      }
+    } else if (!SkipScalar()) {
+      return false;
+    }
+    while (!closing.empty() && Take(closing.back())) {
+      closing.pop_back();
+    }
+    JsonText name;
+    if (!closing.empty() && !(Take(',') && (closing.back() == ']' || ReadName(name)))) {
+      return false;
+    }
+  } while (!closing.empty());
+  return true;
+}
+
+bool JsonScanner::ReadName(JsonText& name) {
+  return ReadString(name) && name.bytes.size() <= PreferenceMap::kLongestName && Take(':');
+}
+
+bool JsonScanner::ReadNumber(std::optional<PreferenceValue>& value) {
+  const auto from = [this](const char* start) {
+    return std::string_view(start, static_cast<std::size_t>(position_ - start));
+  };
+  NumberText number;
+  const char* const start = position_;
+  position_ += *position_ == '-' ? 1 : 0;
+  const char* const whole = position_;
+  if (!SkipDigits() || (*whole == '0' && position_ != whole + 1)) {
+    return false;
+  }
+  number.whole = from(whole);
+  if (*position_ == '.') {
+    const char* const fraction = ++position_;
+    if (!SkipDigits()) {
+      return false;
+    }
+    number.fraction = from(fraction);
+  }
+  if (*position_ == 'e' || *position_ == 'E') {
+    ++position_;
+    position_ += *position_ == '+' ? 1 : 0;
+    const char* const power = position_;
+    position_ += *position_ == '-' && power[-1] != '+' ? 1 : 0;
+    if (!SkipDigits()) {
+      return false;
+    }
+    number.power = from(power);
+  }
+  number.all = from(start);
+  return ConvertNumber(number, value);
+}
+
+bool JsonScanner::ReadWord(std::string_view word) {
+  for (const char character : word) {
+    if (*position_ != character) {
+      return false;
+    }
+    ++position_;
+  }
+  return true;
+}
+
+bool JsonScanner::SkipScalar() {
+  JsonText text;
+  std::optional<PreferenceValue> value;
+  return Peek() == '"' ? ReadString(text) : ReadPlainValue(value);
+}
+
+/// At least one.
+bool JsonScanner::SkipDigits() {
+  char* const start = position_;
+  char* end = start;
+  while (IsDigit(*end)) {
+    ++end;
+  }
+  position_ = end;
+  return end != start;
+}
+
+void JsonScanner::SkipSpace() {
+  unsigned others = 0;
+  do {
+    const __m128i block = LoadBlock();
+    const __m128i space = _mm_or_si128(_mm_or_si128(Equals(block, ' '), Equals(block, '\t')),
+                                       _mm_or_si128(Equals(block, '\n'), Equals(block, '\r')));
+    others = ~ToBits(space) & 0xFFFF;
+    position_ += others != 0 ? CountTrailingZeros(others) : kBlockSize;
+  } while (others == 0);
+}
+
+/// The characters of a string up to its end, its next escape, or what no string can have.
+/// @return whether all were ASCII
+bool JsonScanner::SkipPlainCharacters() {
+  unsigned non_ascii = 0;
+  unsigned others = 0;
+  do {
+    const __m128i block = LoadBlock();
+    const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(block, _mm_set1_epi8(0x1F)), block);
+    others = ToBits(_mm_or_si128(control, _mm_or_si128(Equals(block, '"'), Equals(block, '\\'))));
+    // Of the bits below the first of the others.
+    non_ascii |= ToBits(block) & (others - 1) & ~others;
+    position_ += others != 0 ? CountTrailingZeros(others) : kBlockSize;
+  } while (others == 0);
+  return non_ascii == 0;
+}
+
+/// Writes what the escape stands for.
+/// @return behind what it wrote, or null when it is malformed
+char* JsonScanner::ReadEscape(char* out) {
+  if (const char character = Unescape(position_[1])) {
+    position_ += 2;
+    *out = character;
+    return out + 1;
+  }
+  std::optional<char32_t> unit = ReadUnit(position_);
+  if (!unit.has_value()) {
+    return nullptr;
+  }
+  position_ += kUnitEscapeSize;
+  if (IsHighSurrogate(*unit)) {
+    const std::optional<char32_t> low = ReadUnit(position_);
+    if (low.has_value() && IsLowSurrogate(*low)) {
+      position_ += kUnitEscapeSize;
+      *unit = 0x10000 + (((*unit - 0xD800) << 10) | (*low - 0xDC00));
+    }
+  }
+  return WriteUtf8(*unit, out);
+}
+
+}  // namespace vemora::prefs

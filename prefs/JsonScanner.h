@@ -1,0 +1,103 @@
+/// @file
+/// Reads JSON text piece by piece. Internal to the library.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstddef>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "prefs/PreferenceMap.h"
+
+namespace vemora::prefs {
+
+/// A string without its quotes and escapes. It may be ill-formed UTF-8.
+struct JsonText {
+  std::string_view bytes;
+  bool ascii = true;
+};
+
+/// Walks over a JSON text, forwards and in place: what strings stand for overwrites them. Takes
+/// strict JSON as RFC 8259 has it, but for escaped surrogates without a partner, which are taken in
+/// their 3-byte form, and numbers that are too large for a double, which are refused. The text ends
+/// at its first zero byte.
+///
+/// The functions return whether they found what they read. After the first `false` the text is
+/// malformed and nothing more must be read. Nesting takes no stack.
+class JsonScanner {
+ public:
+  /// @param text has a zero behind its `size` bytes
+  JsonScanner(char* text, std::size_t size) : position_(text), end_(text + size) {}
+
+  /// The next character that is no white space, 0 at the end.
+  char Peek() {
+    // White space is mostly a line feed and an indentation, or none.
+    if (static_cast<unsigned char>(*position_) <= ' ') {
+      SkipSpace();
+    }
+    return *position_;
+  }
+
+  /// Takes that character if it is next, but for white space.
+  bool Take(char character) {
+    const bool found = Peek() == character;
+    position_ += found ? 1 : 0;
+    return found;
+  }
+
+  /// Reads an object. `readMember(name)` is called for each member and must read its value.
+  template <typename ReadMember>
+  bool ReadObject(ReadMember readMember) {
+    if (!Take('{')) {
+      return false;
+    }
+    if (Take('}')) {
+      return true;
+    }
+    do {
+      JsonText name;
+      if (!ReadName(name) || !readMember(name)) {
+        return false;
+      }
+    } while (Take(','));
+    return Take('}');
+  }
+
+  bool ReadString(JsonText& text);
+
+  /// Reads a number, a truth value or null. Gives nothing for what is no value of a preference:
+  /// null, and whole numbers that have 64 bits but not 32.
+  bool ReadPlainValue(std::optional<PreferenceValue>& value);
+
+  /// Reads a value of any kind.
+  bool SkipValue();
+
+ private:
+  static constexpr std::ptrdiff_t kBlockSize = sizeof(__m128i);
+
+  /// What lies ahead, zeros behind the end.
+  __m128i LoadBlock() const {
+    if (end_ - position_ >= kBlockSize) {
+      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(position_));
+    }
+    char last[kBlockSize] = {};
+    std::memcpy(last, position_, static_cast<std::size_t>(end_ - position_));
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(last));
+  }
+
+  bool ReadName(JsonText& name);
+  bool ReadNumber(std::optional<PreferenceValue>& value);
+  bool ReadWord(std::string_view word);
+  bool SkipScalar();
+  bool SkipDigits();
+  void SkipSpace();
+  bool SkipPlainCharacters();
+  char* ReadEscape(char* out);
+
+  char* position_;
+  const char* end_;
+};
+
+}  // namespace vemora::prefs
