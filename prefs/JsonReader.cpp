@@ -38,7 +38,7 @@ bool IsWellFormedUtf8(std::string_view text) {
 }
 
 /// UTF-8 as the store keeps it, in `buffer` if need be: ill-formed bytes are replaced.
-std::string_view Normalize(const JsonText& text, std::string& buffer) {
+std::string_view Normalize(const ScannedText& text, std::string& buffer) {
   if (text.ascii || IsWellFormedUtf8(text.bytes)) {
     return text.bytes;
   }
@@ -53,7 +53,7 @@ class LevelsReader {
       : scanner_(text, size), next_(first), last_(last) {}
 
   bool Read() {
-    const auto read_member = [this](const JsonText& /*name*/) { return ReadMemberOfRoot(); };
+    const auto read_member = [this](const ScannedText& /*name*/) { return ReadMemberOfRoot(); };
     return (scanner_.Peek() == '{' ? scanner_.ReadObject(read_member) : scanner_.SkipValue()) &&
            scanner_.Peek() == 0;
   }
@@ -70,25 +70,26 @@ class LevelsReader {
   }
 
   bool ReadLevel(PreferenceMap& level) {
-    const bool read = scanner_.ReadObject([&](const JsonText& category) {
+    const bool read = scanner_.ReadObject([&](const ScannedText& category) {
       if (scanner_.Peek() != '{') {
         return scanner_.SkipValue();
       }
       level.OpenCategory(Normalize(category, name_));
       level.EmptyOpenCategory();
-      return scanner_.ReadObject([&](const JsonText& key) { return ReadPreference(level, key); });
+      return scanner_.ReadObject(
+          [&](const ScannedText& key) { return ReadPreference(level, key); });
     });
     level.CloseCategories();
     return read;
   }
 
-  bool ReadPreference(PreferenceMap& level, const JsonText& key) {
+  bool ReadPreference(PreferenceMap& level, const ScannedText& key) {
     switch (scanner_.Peek()) {
       case '{':
       case '[':
         return scanner_.SkipValue();
       case '"': {
-        JsonText text;
+        ScannedText text;
         if (!scanner_.ReadString(text)) {
           return false;
         }

@@ -201,7 +201,7 @@ char* WriteUtf8(char32_t character, char* out) {
 
 }  // namespace
 
-bool JsonScanner::ReadString(JsonText& text) {
+bool JsonScanner::ReadString(ScannedText& text) {
   if (!Take('"')) {
     return false;
   }
@@ -252,7 +252,7 @@ bool JsonScanner::SkipValue() {
       ++position_;
       closing.push_back(opening == '{' ? '}' : ']');
       if (Peek() != closing.back()) {
-        JsonText name;
+        ScannedText name;
         if (opening == '{' && !ReadName(name)) {
           return false;
         }
@@ -264,7 +264,7 @@ bool JsonScanner::SkipValue() {
     while (!closing.empty() && Take(closing.back())) {
       closing.pop_back();
     }
-    JsonText name;
+    ScannedText name;
     if (!closing.empty() && !(Take(',') && (closing.back() == ']' || ReadName(name)))) {
       return false;
     }
@@ -272,7 +272,7 @@ bool JsonScanner::SkipValue() {
   return true;
 }
 
-bool JsonScanner::ReadName(JsonText& name) {
+bool JsonScanner::ReadName(ScannedText& name) {
   return ReadString(name) && name.bytes.size() <= PreferenceMap::kLongestName && Take(':');
 }
 
@@ -320,7 +320,7 @@ bool JsonScanner::ReadWord(std::string_view word) {
 }
 
 bool JsonScanner::SkipScalar() {
-  JsonText text;
+  ScannedText text;
   std::optional<PreferenceValue> value;
   return Peek() == '"' ? ReadString(text) : ReadPlainValue(value);
 }

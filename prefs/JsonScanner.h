@@ -14,7 +14,7 @@
 namespace vemora::prefs {
 
 /// A string without its quotes and escapes. It may be ill-formed UTF-8.
-struct JsonText {
+struct ScannedText {
   std::string_view bytes;
   bool ascii = true;
 };
@@ -57,7 +57,7 @@ class JsonScanner {
       return true;
     }
     do {
-      JsonText name;
+      ScannedText name;
       if (!ReadName(name) || !readMember(name)) {
         return false;
       }
@@ -65,7 +65,7 @@ class JsonScanner {
     return Take('}');
   }
 
-  bool ReadString(JsonText& text);
+  bool ReadString(ScannedText& text);
 
   /// Reads a number, a truth value or null. Gives nothing for what is no value of a preference:
   /// null, and whole numbers that have 64 bits but not 32.
@@ -87,7 +87,7 @@ class JsonScanner {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(last));
   }
 
-  bool ReadName(JsonText& name);
+  bool ReadName(ScannedText& name);
   bool ReadNumber(std::optional<PreferenceValue>& value);
   bool ReadWord(std::string_view word);
   bool SkipScalar();
