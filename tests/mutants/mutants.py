@@ -57,6 +57,7 @@ UNITS = {
     "prefs/ShareLevelTable.cpp": native("ShareLevelTable_test"),
     "prefs/SlotTable.cpp": native("SlotTable_test"),
     "prefs/ValueCache.cpp": native("PreferencesBase_test", "ValueCache_test"),
+    "utils/DecimalText.cpp": native("DecimalText_test"),
     "utils/Dictionary.cpp": native("Dictionary_test"),
     "utils/Files.cpp": windows("Files_test"),
     "utils/Locations.cpp": windows("Locations_test"),
@@ -373,6 +374,18 @@ MUTANTS = [
     Mutant("locations: no room for the zero", "utils/Locations.cpp",
            "sizeof(text) - sizeof(wchar_t);", "sizeof(text);"),
 
+    # DecimalText
+    Mutant("decimal text: ties away from zero", "utils/DecimalText.cpp",
+           "half && (more || groups_[0] % 2 != 0)", "half"),
+    Mutant("decimal text: all but halves rounded down", "utils/DecimalText.cpp",
+           "more = more || half;", "more = half;"),
+    Mutant("decimal text: no room for the largest", "utils/DecimalText.cpp",
+           "(kMostDigits + kDecimals - 1) / kDecimals", "kMostDigits / kDecimals"),
+    Mutant("decimal text: a carry is lost", "utils/DecimalText.cpp",
+           "for (std::size_t index = 0; ++groups_[index] == kBase; ++index) {\n"
+           "      groups_[index] = 0;\n    }",
+           "groups_[0] = (groups_[0] + 1) % kBase;"),
+
     # Registry
     Mutant("registry: keys stay open", "utils/Registry.cpp",
            "RegCloseKey(key);", "static_cast<void>(key);"),
@@ -392,7 +405,6 @@ MUTANTS = [
     Mutant("registry: leading blanks stay", "utils/Registry.cpp", "  text.TrimLeft();\n", ""),
     Mutant("registry: any number sign refused", "utils/Registry.cpp",
            "(*end == '#' && end[-1] == '.')", "*end == '#'"),
-    Mutant("registry: seven decimals", "utils/Registry.cpp", "kDecimals = 6", "kDecimals = 7"),
     Mutant("registry: no terminating zero", "utils/Registry.cpp",
            "(value.size() + 1) * sizeof(wchar_t)", "value.size() * sizeof(wchar_t)"),
     Mutant("registry: text behind a zero kept", "utils/Registry.cpp",
