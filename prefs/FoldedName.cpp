@@ -132,8 +132,8 @@ int CompareNames(std::string_view left, std::string_view right) {
       continue;
     }
     if (!utils::IsAscii(a) || !utils::IsAscii(b)) {
-      // Only a byte that continues no sequence surely begins one, also in ill-formed text.
-      while (index > 0 && (ContinuesSequence(left[index]) || ContinuesSequence(right[index]))) {
+      // Where both sequences begin, as the texts are well-formed.
+      while (index > 0 && ContinuesSequence(left[index])) {
         --index;
       }
       return CompareSequences(left.substr(index), right.substr(index));

@@ -191,9 +191,5 @@ TEST(CompareNames, OrdersAnyCharactersAsCompareNoCaseDoes) {
                   2));
 }
 
-TEST(CompareNames, OrdersIllFormedTextAsCompareNoCaseDoes) {
-  ExpectOrderOfCompareNoCase(Concatenate({"a", "A", "\x80", "\xA4", "\xC3", "\xE6", "\xF0"}, 3));
-}
-
 }  // namespace
 }  // namespace vemora::prefs
