@@ -27,6 +27,25 @@ std::uint64_t LoadWord(const char* bytes) {
   return word;
 }
 
+bool ContinuesSequence(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
+CodeUnit FirstFolded(std::string_view utf8) {
+  const auto* const end = std::find_if_not(utf8.begin() + 1, utf8.end(), ContinuesSequence);
+  return utils::FoldUnit(
+      vemora_ustring::FromUtf8(utf8.substr(0, static_cast<std::size_t>(end - utf8.begin())))
+          .front());
+}
+
+/// Texts that are not empty. Nearly all differ in the first character.
+int CompareSequences(std::string_view left, std::string_view right) {
+  const CodeUnit a = FirstFolded(left);
+  const CodeUnit b = FirstFolded(right);
+  if (a != b) {
+    return a < b ? -1 : 1;
+  }
+  return vemora_ustring::FromUtf8(left).CompareNoCase(vemora_ustring::FromUtf8(right));
+}
+
 }  // namespace
 
 bool FoldedName::operator==(const FoldedName& other) const {
@@ -116,7 +135,11 @@ int CompareNames(std::string_view left, std::string_view right) {
       continue;
     }
     if (!utils::IsAscii(a) || !utils::IsAscii(b)) {
-      return vemora_ustring::FromUtf8(left).CompareNoCase(vemora_ustring::FromUtf8(right));
+      // Where both sequences begin, as the texts are well-formed.
+      while (index > 0 && ContinuesSequence(left[index])) {
+        --index;
+      }
+      return CompareSequences(left.substr(index), right.substr(index));
     }
     if (utils::FoldUnit(a) != utils::FoldUnit(b)) {
       return utils::FoldUnit(a) < utils::FoldUnit(b) ? -1 : 1;

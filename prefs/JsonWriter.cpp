@@ -1,9 +1,8 @@
 #include "prefs/JsonWriter.h"
 
-#include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -19,30 +18,44 @@ namespace vemora::prefs {
 namespace {
 
 using Utf8 = rapidjson::UTF8<>;
-using Buffer = rapidjson::GenericStringBuffer<Utf8, JsonAllocator>;
-using Writer = rapidjson::Writer<Buffer, Utf8, Utf8, JsonAllocator>;
+using Writer = rapidjson::Writer<JsonText, Utf8, Utf8, JsonAllocator>;
 
 bool NeedsEscape(char character) {
   return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
 }
 
-/// How many bytes at the start need no escape.
-std::size_t CountUnescaped(std::string_view text) {
+bool HasEscapes(std::uint64_t eightBytes) {
   constexpr std::uint64_t kEach = 0x0101010101010101;
-  constexpr std::uint64_t kHighBits = 0x80 * kEach;
-  // The high bit of each byte that is zero, and perhaps of bytes behind such a one.
-  const auto zeros = [](std::uint64_t word) { return (word - kEach) & ~word & kHighBits; };
+  // Has the high bit of a byte if one is below that limit, which all that are not ASCII are not.
+  const auto below = [](std::uint64_t word, std::uint64_t limit) {
+    return (word - limit * kEach) & ~word;
+  };
+  const std::uint64_t found = below(eightBytes, 0x20) | below(eightBytes ^ ('"' * kEach), 1) |
+                              below(eightBytes ^ ('\\' * kEach), 1);
+  return (found & (0x80 * kEach)) != 0;
+}
+
+/// Copies the bytes at the start that need no escape.
+/// @return their number
+std::size_t CopyUnescaped(std::string_view text, char* to) {
   std::size_t index = 0;
-  for (; index + 8 <= text.size(); index += 8) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + index, 8);
-    const std::uint64_t control = (word - 0x20 * kEach) & ~word & kHighBits;
-    if ((control | zeros(word ^ ('"' * kEach)) | zeros(word ^ ('\\' * kEach))) != 0) {
-      break;
+  std::uint64_t word = 0;
+  if (text.size() >= sizeof(word)) {
+    // The last word may have bytes of the one before it.
+    const std::size_t last = text.size() - sizeof(word);
+    for (;; index = std::min(index + sizeof(word), last)) {
+      std::memcpy(&word, text.data() + index, sizeof(word));
+      if (HasEscapes(word)) {
+        break;
+      }
+      std::memcpy(to + index, &word, sizeof(word));
+      if (index == last) {
+        return text.size();
+      }
     }
   }
-  while (index < text.size() && !NeedsEscape(text[index])) {
-    ++index;
+  for (; index < text.size() && !NeedsEscape(text[index]); ++index) {
+    to[index] = text[index];
   }
   return index;
 }
@@ -50,10 +63,10 @@ std::size_t CountUnescaped(std::string_view text) {
 /// Writes objects within objects, indented by four blanks.
 class TextWriter {
  public:
-  explicit TextWriter(std::size_t expectedSize) { text_.reserve(expectedSize); }
+  explicit TextWriter(std::size_t expectedSize) : text_(expectedSize) {}
 
   void StartObject() {
-    text_ += '{';
+    text_.Put('{');
     first_ = true;
     ++depth_;
   }
@@ -63,38 +76,39 @@ class TextWriter {
     if (!first_) {
       StartLine();
     }
-    text_ += '}';
+    text_.Put('}');
     first_ = false;
   }
 
   void Key(std::string_view name) {
     if (!first_) {
-      text_ += ',';
+      text_.Put(',');
     }
     first_ = false;
     StartLine();
     String(name);
-    text_ += ": ";
+    text_.Append(": ");
   }
 
   void String(std::string_view utf8) {
-    text_ += '"';
+    text_.Put('"');
     for (;;) {
-      const std::size_t plain = CountUnescaped(utf8);
-      text_ += utf8.substr(0, plain);
+      char* const start = text_.Reserve(utf8.size());
+      const std::size_t plain = CopyUnescaped(utf8, start);
+      text_.End(start + plain);
       if (plain == utf8.size()) {
         break;
       }
       Escape(utf8[plain]);
       utf8.remove_prefix(plain + 1);
     }
-    text_ += '"';
+    text_.Put('"');
   }
 
   void Int(int value) {
-    std::array<char, 12> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    text_.append(digits.data(), end);
+    constexpr std::size_t kMostDigits = 11;
+    char* const start = text_.Reserve(kMostDigits);
+    text_.End(std::to_chars(start, start + kMostDigits, value).ptr);
   }
 
   void Double(double value) {
@@ -103,42 +117,43 @@ class TextWriter {
       Literal("null");
       return;
     }
-    number_.Clear();
-    Writer(number_).Double(value);
-    text_.append(number_.GetString(), number_.GetSize());
+    numbers_.Reset(text_);
+    numbers_.Double(value);
   }
 
-  void Literal(std::string_view literal) { text_ += literal; }
+  void Literal(std::string_view literal) { text_.Append(literal); }
 
-  std::string Take() { return std::move(text_); }
+  JsonText Take() { return std::move(text_); }
 
  private:
   void StartLine() {
-    text_ += '\n';
-    text_.append(depth_ * 4, ' ');
+    constexpr std::string_view kLine = "\n               ";
+    char* const start = text_.Reserve(kLine.size());
+    std::memcpy(start, kLine.data(), kLine.size());
+    text_.End(start + 1 + depth_ * 4);
   }
 
   void Escape(char character);
 
-  std::string text_;
-  std::size_t depth_ = 0;
+  JsonText text_;
+  std::size_t depth_ = 0;  // 3 at most
   bool first_ = true;
-  Buffer number_;
+  Writer numbers_;
 };
 
 void TextWriter::Escape(char character) {
   constexpr std::string_view kEscaped = "\"\\\b\f\n\r\t";
   constexpr std::string_view kLetters = "\"\\bfnrt";
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  text_ += '\\';
+  text_.Put('\\');
   const std::size_t found = kEscaped.find(character);
   if (found != std::string_view::npos) {
-    text_ += kLetters[found];
+    text_.Put(kLetters[found]);
     return;
   }
-  text_ += "u00";
-  text_ += kDigits[static_cast<unsigned char>(character) >> 4];
-  text_ += kDigits[static_cast<unsigned char>(character) & 0xF];
+  text_.Append("u00");
+  text_.Put(kDigits[static_cast<unsigned char>(character) >> 4]);
+  text_.Put(kDigits[static_cast<unsigned char>(character) & 0xF]);
 }
 
 void WriteValue(TextWriter& writer, const Preference& preference) {
@@ -171,7 +186,17 @@ void WriteLevel(TextWriter& writer, const PreferenceMap& level) {
 
 }  // namespace
 
-std::string WriteLevels(const LevelMaps& levels, EShareLevel first, EShareLevel last) {
+void JsonText::Grow(std::size_t bytes) {
+  const std::size_t size = Size();
+  const std::size_t capacity = size + std::max(size, bytes);
+  std::unique_ptr<char[]> text(new char[capacity]);
+  std::copy(text_.get(), end_, text.get());
+  text_ = std::move(text);
+  end_ = text_.get() + size;
+  limit_ = text_.get() + capacity;
+}
+
+JsonText WriteLevels(const LevelMaps& levels, EShareLevel first, EShareLevel last) {
   std::size_t expected_size = 1024;
   for (std::size_t level = first; level <= last; ++level) {
     expected_size += levels[level].MemoryUsed();

@@ -110,10 +110,10 @@ class PendingFile {
     if (const SystemError error = Merge(levels)) {
       return error;
     }
-    const std::string text =
+    const JsonText text =
         WriteLevels(merged_.has_value() ? *merged_ : levels, file_.first, file_.last);
-    hash_ = HashOf(text);
-    return replacement_.Write(text);
+    hash_ = HashOf(text.View());
+    return replacement_.Write(text.View());
   }
 
   /// Then `levels` are what the file holds.
@@ -187,8 +187,8 @@ SystemError SaveProtected(LevelMaps& levels, const std::vector<PreferenceFile>& 
 }
 
 void SaveInPlace(LevelMaps& levels, const PreferenceFile& file) {
-  const std::string text = WriteLevels(levels, file.first, file.last);
-  if (utils::WriteWholeFile(text.data(), text.size(), file.path)) {
+  const JsonText text = WriteLevels(levels, file.first, file.last);
+  if (utils::WriteWholeFile(text.View().data(), text.View().size(), file.path)) {
     for (std::size_t level = file.first; level <= file.last; ++level) {
       levels[level].ForgetChanges(0);
     }

@@ -137,6 +137,10 @@ class PreferenceMap::Tables {
 
   void ForgetHomes() noexcept;
 
+  void MarkChanged(Preference& preference) noexcept {
+    preference.changed_ = 1;
+    has_changes_ = true;
+  }
   void NoteErased(const vemora_ustring& category, std::optional<vemora_ustring> key) {
     erased_.emplace(category, std::move(key));
   }
@@ -243,11 +247,13 @@ class PreferenceMap::Tables {
   std::vector<SlotTable::Slot>
       unslotted_;  // preferences that `CloseCategories` puts into the table
   std::set<std::pair<vemora_ustring, std::optional<vemora_ustring>>> erased_;
+  bool has_changes_ = false;  // among the preferences
   std::size_t file_ = 0;
 };
 
 /// Leaves out what is waste.
-PreferenceMap::Tables::Tables(const Tables& other) : erased_(other.erased_), file_(other.file_) {
+PreferenceMap::Tables::Tables(const Tables& other)
+    : erased_(other.erased_), has_changes_(other.has_changes_), file_(other.file_) {
   preference_slots_.Reserve(other.preference_slots_.Count());
   for (const std::uint32_t other_category : other.categories_) {
     const CategoryEntry& category = other.CategoryAt(other_category);
@@ -284,12 +290,12 @@ void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& v
   const std::string key = pair.key_name.ToUtf8();
   std::uint32_t category = FindCategory(pair.category);
   if (category != kNone) {
-    Append(category, pair.hash, pair.key, key, value).changed_ = 1;
+    MarkChanged(Append(category, pair.hash, pair.key, key, value));
     return;
   }
   category = AddCategory(pair.category_name.ToUtf8(), pair.category);
   try {
-    Append(category, pair.hash, pair.key, key, value).changed_ = 1;
+    MarkChanged(Append(category, pair.hash, pair.key, key, value));
   } catch (...) {
     EraseCategory(category);
     throw;
@@ -347,18 +353,23 @@ void PreferenceMap::Tables::ForgetChanges(std::size_t file) noexcept {
     const double* const real = preference.GetDouble();
     return preference.kind_ != Kind::kOther && (real == nullptr || std::isfinite(*real));
   };
-  ForEach([&](const CategoryEntry& /*category*/, Preference& preference) {
-    if (fits_into_file(preference)) {
-      preference.changed_ = 0;
-    }
-  });
+  if (has_changes_) {
+    has_changes_ = false;
+    ForEach([&](const CategoryEntry& /*category*/, Preference& preference) {
+      if (fits_into_file(preference)) {
+        preference.changed_ = 0;
+      }
+      has_changes_ = has_changes_ || preference.changed_ != 0;
+    });
+  }
   erased_.clear();
   file_ = file;
 }
 
 void PreferenceMap::Tables::ChangeAll() noexcept {
-  ForEach(
-      [](const CategoryEntry& /*category*/, Preference& preference) { preference.changed_ = 1; });
+  ForEach([this](const CategoryEntry& /*category*/, Preference& preference) {
+    MarkChanged(preference);
+  });
   erased_.clear();
   file_ = 0;
 }
@@ -452,6 +463,7 @@ void PreferenceMap::Tables::Adopt(Tables&& other) {
     }
   }
   live_categories_ += other.live_categories_;
+  has_changes_ = has_changes_ || other.has_changes_;
   wasted_ += other.wasted_;
 }
 
@@ -682,7 +694,7 @@ void PreferenceMap::Add(const FoldedPair& pair, const PreferenceValue& value) {
 
 void PreferenceMap::Assign(Preference& preference, const PreferenceValue& value) {
   tables_->Assign(preference, value);
-  preference.changed_ = 1;
+  tables_->MarkChanged(preference);
   DropWaste();
 }
 

@@ -92,7 +92,7 @@ void PreferencesBase::LoadPreferences() {}
 
 void PreferencesBase::SavePreferences() {
   for (const ValueCache::Entry* entry : cache.InOrder()) {
-    SaveValue(entry->category, entry->key, entry->value);
+    SaveValue(vemora_ustring(entry->Category()), vemora_ustring(entry->Key()), entry->value);
   }
 }
 

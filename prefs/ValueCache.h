@@ -2,8 +2,10 @@
 /// Values by category and key. What it offers is internal to the library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <string_view>
 #include <vector>
 
 #include "prefs/SlotTable.h"
@@ -18,10 +20,16 @@ namespace vemora::prefs {
 /// Out of memory (std::bad_alloc), an operation changes nothing.
 class ValueCache {
  public:
+  using Name = std::basic_string_view<utils::CodeUnit>;
+
   struct Entry {
-    utils::vemora_ustring category;
-    utils::vemora_ustring key;
+    // One after the other: a lookup reads them in one place.
+    utils::vemora_ustring names;
+    std::size_t category_length;
     utils::Variant value;
+
+    Name Category() const { return Name(names).substr(0, category_length); }
+    Name Key() const { return Name(names).substr(category_length); }
   };
 
   /// Null when there is none. Valid until the cache changes.
@@ -37,8 +45,7 @@ class ValueCache {
   std::vector<const Entry*> InOrder() const;
 
  private:
-  std::uint32_t FindIndex(std::uint32_t hash, const utils::vemora_ustring& category,
-                          const utils::vemora_ustring& key) const;
+  std::uint32_t FindIndex(std::uint32_t hash, Name category, Name key) const;
 
   std::deque<Entry> entries_;
   SlotTable indices_;  // of the entries

@@ -5,12 +5,13 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <initializer_list>
 #include <limits>
 #include <memory>
 #include <system_error>
 #include <utility>
+
+#include "utils/DecimalText.h"
 
 namespace vemora::utils {
 namespace {
@@ -165,21 +166,6 @@ bool ScanDouble(vemora_ustring text, double& value) {
   return true;
 }
 
-/// Decimal text with a point in every locale. `std::to_chars` would do, but with its tables for all
-/// precisions it would be a third of the DLL.
-vemora_ustring FormatDouble(double value) {
-  constexpr std::size_t kDecimals = 6;
-  // The largest double has 309 digits before the point.
-  char buffer[std::numeric_limits<double>::max_exponent10 + kDecimals + 16];
-  std::snprintf(buffer, sizeof(buffer), "%.6f", value);
-  std::string text = buffer;
-  if (std::isfinite(value)) {
-    const std::size_t point = text.find_first_not_of("-0123456789");
-    text.replace(point, text.size() - kDecimals - point, ".");
-  }
-  return vemora_ustring(text.begin(), text.end());
-}
-
 }  // namespace
 
 const HKEY Registry::kCurrentUser = HKEY_CURRENT_USER;
@@ -278,7 +264,8 @@ bool Registry::SaveBool(HKEY root, const vemora_ustring& path, const vemora_ustr
 
 bool Registry::SaveDouble(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name, double value) {
-  return SaveString(root, path, category, name, FormatDouble(value));
+  const std::string text = FormatFixed(value);
+  return SaveString(root, path, category, name, vemora_ustring(text.begin(), text.end()));
 }
 
 bool Registry::SaveString(HKEY root, const vemora_ustring& path, const vemora_ustring& category,

@@ -128,6 +128,30 @@ TEST(FoldedPair, HasTheHashOfItsFoldedNames) {
   EXPECT_EQ(FoldedPair(category, key).hash, FoldedPair(other_category, other_key).hash);
 }
 
+/// All texts of that many pieces at most.
+std::vector<std::string> Concatenate(const std::vector<std::string>& pieces, int most) {
+  std::vector<std::string> texts = {""};
+  std::size_t first = 0;
+  for (int count = 0; count < most; ++count) {
+    const std::size_t end = texts.size();
+    for (; first < end; ++first) {
+      for (const std::string& piece : pieces) {
+        texts.push_back(texts[first] + piece);
+      }
+    }
+  }
+  return texts;
+}
+
+void ExpectOrderOfCompareNoCase(const std::vector<std::string>& names) {
+  for (const std::string& left : names) {
+    for (const std::string& right : names) {
+      EXPECT_EQ(CompareNames(left, right), Utf8(left).CompareNoCase(Utf8(right)))
+          << left << " and " << right;
+    }
+  }
+}
+
 TEST(CompareNames, OrdersAsCompareNoCaseDoes) {
   const std::vector<std::string> names = {"",
                                           std::string("\0", 1),
@@ -157,12 +181,14 @@ TEST(CompareNames, OrdersAsCompareNoCaseDoes) {
                                           "\xE6\x97\xA5",
                                           "a\xE6\x97\xA5 b",
                                           "A\xE6\x97\xA5 B"};
-  for (const std::string& left : names) {
-    for (const std::string& right : names) {
-      EXPECT_EQ(CompareNames(left, right), Utf8(left).CompareNoCase(Utf8(right)))
-          << left << " and " << right;
-    }
-  }
+  ExpectOrderOfCompareNoCase(names);
+}
+
+TEST(CompareNames, OrdersAnyCharactersAsCompareNoCaseDoes) {
+  ExpectOrderOfCompareNoCase(
+      Concatenate({"s", "S", "z", "\xC3\x84", "\xC3\xA4", "\xC5\xBF", "\xED\xA0\x80",
+                   "\xED\xB0\x80", "\xEF\xBF\xBD", "\xEF\xBF\xBF", "\xF0\x90\x80\x80"},
+                  2));
 }
 
 }  // namespace

@@ -24,5 +24,32 @@ TEST(ValueCache, TellsApartPreferencesWhoseHashesAreEqual) {
   }
 }
 
+TEST(ValueCache, FindsNamesOfAnyLengthUnitByUnit) {
+  constexpr std::size_t kLongest = 13;
+  ValueCache cache;
+  for (std::size_t length = 0; length <= kLongest; ++length) {
+    const std::string name(length, 'a');
+    cache.Set(name.c_str(), name.c_str(), static_cast<int>(length));
+  }
+  for (std::size_t length = 0; length <= kLongest; ++length) {
+    std::string name(length, 'a');
+    const vemora_ustring known = name.c_str();
+    EXPECT_EQ(cache.Find(known, known)->GetInt(), static_cast<int>(length));
+    for (char& unit : name) {
+      unit = 'b';
+      EXPECT_EQ(cache.Find(name.c_str(), known), nullptr) << name;
+      EXPECT_EQ(cache.Find(known, name.c_str()), nullptr) << name;
+      unit = 'a';
+    }
+  }
+}
+
+TEST(ValueCache, KnowsWhereTheCategoryEnds) {
+  ValueCache cache;
+  cache.Set("ab", "c", 1);
+  EXPECT_EQ(cache.Find("a", "bc"), nullptr);
+  EXPECT_EQ(cache.Find("abc", ""), nullptr);
+}
+
 }  // namespace
 }  // namespace vemora::prefs
