@@ -21,12 +21,6 @@ const std::uint64_t FoldedName::kSeed =
 
 namespace {
 
-std::uint64_t LoadWord(const char* bytes) {
-  std::uint64_t word = 0;
-  std::memcpy(&word, bytes, sizeof(word));
-  return word;
-}
-
 bool ContinuesSequence(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
 CodeUnit FirstFolded(std::string_view utf8) {
@@ -64,7 +58,7 @@ void FoldedName::WriteImage(void* image) const {
 
 bool FoldedName::EqualsImage(const void* image) const {
   const char* const ends = static_cast<const char*>(image) + sizeof(Word);
-  return LoadWord(image) == Tag() && std::memcmp(ends, &ends_, sizeof(ends_)) == 0 &&
+  return utils::LoadWord(image) == Tag() && std::memcmp(ends, &ends_, sizeof(ends_)) == 0 &&
          std::memcmp(ends + sizeof(ends_), Middle(), kWordSize * MiddleWords(length_)) == 0;
 }
 
@@ -117,15 +111,11 @@ FoldedPair::FoldedPair(const vemora_ustring& categoryName, const vemora_ustring&
       key(keyName),
       hash(HashOfPair(category.Hash(), key.Hash())) {}
 
-bool IsAsciiText(std::string_view text) {
-  return utils::CountAscii(text.data(), text.size()) == text.size();
-}
-
 int CompareNames(std::string_view left, std::string_view right) {
   const std::size_t common = std::min(left.size(), right.size());
   std::size_t index = 0;
   while (index + sizeof(std::uint64_t) <= common &&
-         LoadWord(left.data() + index) == LoadWord(right.data() + index)) {
+         utils::LoadWord(left.data() + index) == utils::LoadWord(right.data() + index)) {
     index += sizeof(std::uint64_t);
   }
   for (; index < common; ++index) {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <string_view>
 
+#include "utils/Words.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
@@ -54,7 +55,7 @@ class FoldedName {
   void WriteImage(void* image) const;
   bool EqualsImage(const void* image) const;
   static std::size_t ImageSize(const void* image) {
-    return ImageSizeOf(static_cast<std::size_t>(LoadWord(image) >> 1));
+    return ImageSizeOf(static_cast<std::size_t>(utils::LoadWord(image) >> 1));
   }
   /// @}
 
@@ -70,7 +71,7 @@ class FoldedName {
     }
     const Word* const middle = Middle();
     for (std::size_t index = 0; index < MiddleWords(length); ++index) {
-      if (FoldWord(LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {
+      if (FoldWord(utils::LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {
         return false;
       }
     }
@@ -90,12 +91,6 @@ class FoldedName {
 
   static constexpr std::size_t ImageSizeOf(std::size_t bytes) {
     return kWordSize + sizeof(__m128i) + kWordSize * MiddleWords(bytes);
-  }
-
-  static Word LoadWord(const void* bytes) {
-    Word word = 0;
-    std::memcpy(&word, bytes, kWordSize);
-    return word;
   }
 
   static __m128i LoadEight(const void* bytes) {
@@ -241,8 +236,6 @@ struct FoldedPair {
   FoldedName key;
   std::uint32_t hash;
 };
-
-bool IsAsciiText(std::string_view text);
 
 /// `CompareNoCase` of texts in UTF-8: -1, 0 or 1.
 int CompareNames(std::string_view left, std::string_view right);

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "prefs/JsonAllocator.h"
+#include "utils/Words.h"
 
 namespace vemora::prefs {
 
@@ -39,12 +40,11 @@ bool HasEscapes(std::uint64_t eightBytes) {
 /// @return their number
 std::size_t CopyUnescaped(std::string_view text, char* to) {
   std::size_t index = 0;
-  std::uint64_t word = 0;
-  if (text.size() >= sizeof(word)) {
+  if (text.size() >= sizeof(std::uint64_t)) {
     // The last word may have bytes of the one before it.
-    const std::size_t last = text.size() - sizeof(word);
-    for (;; index = std::min(index + sizeof(word), last)) {
-      std::memcpy(&word, text.data() + index, sizeof(word));
+    const std::size_t last = text.size() - sizeof(std::uint64_t);
+    for (;; index = std::min(index + sizeof(std::uint64_t), last)) {
+      const std::uint64_t word = utils::LoadWord(text.data() + index);
       if (HasEscapes(word)) {
         break;
       }

@@ -1,9 +1,11 @@
 #include "prefs/ValueCache.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
 
 #include "prefs/FoldedName.h"
+#include "utils/Words.h"
 
 namespace vemora::prefs {
 
@@ -17,11 +19,7 @@ using Name = ValueCache::Name;
 
 constexpr std::size_t kWordUnits = sizeof(std::uint64_t) / sizeof(CodeUnit);
 
-std::uint64_t WordAt(Name name, std::size_t index) {
-  std::uint64_t word = 0;
-  std::memcpy(&word, name.data() + index, sizeof(word));
-  return word;
-}
+std::uint64_t WordAt(Name name, std::size_t index) { return utils::LoadWord(name.data() + index); }
 
 /// Calls `function` with where the words of a name begin until it gives false; the last one may
 /// have units of the one before it. For names of one word at least.

@@ -4,8 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
+
+#include "utils/Words.h"
 
 namespace vemora::utils {
 
@@ -22,9 +23,7 @@ std::size_t CountAscii(const Unit* text, std::size_t length) {
   static_assert(sizeof(Unit) <= 2);
   std::size_t index = 0;
   for (; index + kStep <= length; index += kStep) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text + index, sizeof(word));
-    if ((word & kOther) != 0) {
+    if ((LoadWord(text + index) & kOther) != 0) {
       break;
     }
   }

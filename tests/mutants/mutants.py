@@ -328,7 +328,7 @@ MUTANTS = [
            "bytes + (length > kWordSize ? length - kWordSize : 0)",
            "bytes + (length > 2 * kWordSize ? length - kWordSize : 0)"),
     Mutant("folding: the middle of a name is not compared", "prefs/FoldedName.h",
-           "if (FoldWord(LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {",
+           "if (FoldWord(utils::LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {",
            "if (middle[index] == 0) {"),
     Mutant("folding: non-ASCII taken for ASCII", "prefs/FoldedName.h",
            "_mm_set1_epi16(0x7F80)", "_mm_set1_epi16(0x7000)"),
