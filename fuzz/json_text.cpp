@@ -195,6 +195,18 @@ vemora_ustring FromStored(std::string_view utf8) {
   return text;
 }
 
+Categories CategoriesOf(const PreferenceMap& map) {
+  Categories categories;
+  for (const PreferenceMap::Category& category : map.GetCategories()) {
+    categories.push_back({FromStored(category.name), {}});
+    for (const Preference* const preference : map.GetPreferences(category)) {
+      categories.back().entries.push_back(
+          {vemora_ustring::FromUtf8(preference->Name()), ToValue(map.GetValue(*preference))});
+    }
+  }
+  return categories;
+}
+
 Levels ReadWithLibrary(std::string_view text) {
   // As large as it must be, so that reading behind it is noticed.
   const auto buffer = std::make_unique<char[]>(text.size() + 1);
@@ -203,17 +215,8 @@ Levels ReadWithLibrary(std::string_view text) {
       vemora::prefs::ReadLevels(buffer.get(), text.size(), kFirstLevel, kLastLevel);
   Levels levels;
   for (std::size_t level = 0; level < loaded.size(); ++level) {
-    if (!loaded[level].has_value()) {
-      continue;
-    }
-    const PreferenceMap& map = *loaded[level];
-    Categories& categories = levels[level].emplace();
-    for (const PreferenceMap::Category& category : map.GetCategories()) {
-      categories.push_back({FromStored(category.name), {}});
-      for (const Preference* const preference : map.GetPreferences(category)) {
-        categories.back().entries.push_back(
-            {vemora_ustring::FromUtf8(preference->Name()), ToValue(map.GetValue(*preference))});
-      }
+    if (loaded[level].has_value()) {
+      levels[level] = CategoriesOf(*loaded[level]);
     }
   }
   return levels;
