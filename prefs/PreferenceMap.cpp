@@ -247,7 +247,7 @@ class PreferenceMap::Tables {
   std::vector<SlotTable::Slot>
       unslotted_;  // preferences that `CloseCategories` puts into the table
   std::set<std::pair<vemora_ustring, std::optional<vemora_ustring>>> erased_;
-  bool has_changes_ = false;  // among the preferences
+  bool has_changes_ = false;  // of preferences that fit into a file
   std::size_t file_ = 0;
 };
 
@@ -359,7 +359,6 @@ void PreferenceMap::Tables::ForgetChanges(std::size_t file) noexcept {
       if (fits_into_file(preference)) {
         preference.changed_ = 0;
       }
-      has_changes_ = has_changes_ || preference.changed_ != 0;
     });
   }
   erased_.clear();

@@ -1,5 +1,6 @@
 #include "prefs/PreferenceMap.h"
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -278,6 +279,73 @@ TEST(PreferenceMap, AdoptsIntoAMapThatWasNeverWritten) {
   PreferenceMap map;
   map.Adopt(std::move(other));
   EXPECT_THAT(NamesOf(map), ElementsAre("C", " k"));
+}
+
+constexpr std::size_t kSomeFile = 1;
+
+/// What a map would change in another one.
+std::vector<std::string> ChangesOf(const PreferenceMap& map) {
+  PreferenceMap other;
+  map.ApplyChangesTo(other);
+  return NamesOf(other);
+}
+
+TEST(PreferenceMapChanges, AreWhatWasAddedAndAssigned) {
+  PreferenceMap map;
+  Set(map, "C", "added", 1);
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " added"));
+  map.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(map), IsEmpty());
+  Set(map, "C", "added", 2);
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " added"));
+  map.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(map), IsEmpty());
+}
+
+TEST(PreferenceMapChanges, AreForgottenInACopyToo) {
+  PreferenceMap map;
+  Set(map, "C", "k", 1);
+  PreferenceMap copy = map;
+  EXPECT_THAT(ChangesOf(copy), ElementsAre("C", " k"));
+  copy.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(copy), IsEmpty());
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " k"));
+}
+
+TEST(PreferenceMapChanges, ComeWithWhatIsAdopted) {
+  PreferenceMap map;
+  Set(map, "B", "k", 1);
+  map.ForgetChanges(kSomeFile);
+  PreferenceMap other;
+  Set(other, "C", "k", 1);
+  map.Adopt(std::move(other));
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " k"));
+  map.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(map), IsEmpty());
+}
+
+TEST(PreferenceMapChanges, AreAllPreferencesWhenAnotherFileIsMeant) {
+  PreferenceMap map;
+  Set(map, "C", "k", 1);
+  map.ForgetChanges(kSomeFile);
+  EXPECT_EQ(map.GetFile(), kSomeFile);
+  map.ChangeAll();
+  EXPECT_EQ(map.GetFile(), 0U);
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " k"));
+  map.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(map), IsEmpty());
+}
+
+TEST(PreferenceMapChanges, OfValuesThatNoFileHoldsStay) {
+  const Variant letter = 'x';
+  PreferenceMap map;
+  Set(map, "C", "letter", &letter);
+  Set(map, "C", "infinite", std::numeric_limits<double>::infinity());
+  Set(map, "C", "finite", 1.5);
+  map.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " infinite", " letter"));
+  map.ForgetChanges(kSomeFile);
+  EXPECT_THAT(ChangesOf(map), ElementsAre("C", " infinite", " letter"));
 }
 
 /// However often a map changes, it needs little more memory than what it holds.
