@@ -43,8 +43,7 @@ int CompareSequences(std::string_view left, std::string_view right) {
 }  // namespace
 
 bool FoldedName::operator==(const FoldedName& other) const {
-  return hash_ == other.hash_ && Tag() == other.Tag() &&
-         std::memcmp(&ends_, &other.ends_, sizeof(ends_)) == 0 &&
+  return hash_ == other.hash_ && Tag() == other.Tag() && HasEnds(other.ends_) &&
          std::equal(Middle(), Middle() + MiddleWords(length_), other.Middle());
 }
 
@@ -58,7 +57,8 @@ void FoldedName::WriteImage(void* image) const {
 
 bool FoldedName::EqualsImage(const void* image) const {
   const char* const ends = static_cast<const char*>(image) + sizeof(Word);
-  return utils::LoadWord(image) == Tag() && std::memcmp(ends, &ends_, sizeof(ends_)) == 0 &&
+  return utils::LoadWord(image) == Tag() &&
+         HasEnds(_mm_loadu_si128(reinterpret_cast<const __m128i*>(ends))) &&
          std::memcmp(ends + sizeof(ends_), Middle(), kWordSize * MiddleWords(length_)) == 0;
 }
 

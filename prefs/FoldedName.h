@@ -65,8 +65,7 @@ class FoldedName {
     if (length != length_ || !ascii_) {
       return false;
     }
-    const __m128i ends = FoldBytes(LoadEnds(name, length));
-    if (_mm_movemask_epi8(_mm_cmpeq_epi8(ends, ends_)) != 0xFFFF) {
+    if (!HasEnds(FoldBytes(LoadEnds(name, length)))) {
       return false;
     }
     const Word* const middle = Middle();
@@ -100,6 +99,10 @@ class FoldedName {
   static __m128i LoadEnds(const char* bytes, std::size_t length) {
     const char* const last = bytes + (length > kWordSize ? length - kWordSize : 0);
     return _mm_unpacklo_epi64(LoadEight(bytes), LoadEight(last));
+  }
+
+  bool HasEnds(__m128i ends) const {
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(ends, ends_)) == 0xFFFF;
   }
 
   static Word ToWord(__m128i eight) { return static_cast<Word>(_mm_cvtsi128_si64(eight)); }

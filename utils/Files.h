@@ -109,13 +109,14 @@ class FileLock {
   FileLock(const vemora_ustring& path, std::chrono::milliseconds wait);
   FileLock(const FileLock&) = delete;
   FileLock& operator=(const FileLock&) = delete;
+  // NOLINTNEXTLINE(performance-trivially-destructible): only that of a stand-in could be
   ~FileLock();
 
   /// Why the lock could not be taken; 0 when it was.
   SystemError GetError() const { return error_; }
 
  private:
-  [[maybe_unused]] std::intptr_t file_;  // a stand-in needs none
+  [[maybe_unused]] std::intptr_t file_ = 0;  // a stand-in needs none
   SystemError error_ = 0;
 };
 

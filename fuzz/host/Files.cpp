@@ -60,7 +60,7 @@ SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustri
 }
 
 // There is one process.
-FileLock::FileLock(const vemora_ustring& /*path*/, std::chrono::milliseconds /*wait*/) : file_(0) {}
+FileLock::FileLock(const vemora_ustring& /*path*/, std::chrono::milliseconds /*wait*/) {}
 
 FileLock::~FileLock() = default;
 
