@@ -12,6 +12,7 @@ namespace vemora::prefs {
 Classification Classification::MakeBuiltIn() {
   Classification classification;
   const ShareLevelRows rows;
+  // Sparse, for most names that are looked for are none of these.
   classification.guesses_.Reserve(4 * static_cast<std::size_t>(rows.end() - rows.begin()));
   std::string_view category;
   for (const ShareLevelRow& row : rows) {
