@@ -174,28 +174,21 @@ std::optional<char32_t> ReadUnit(const char* text) {
   return unit;
 }
 
-bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
+/// The one code unit in UTF-8; a surrogate has its 3-byte form.
 /// @return behind what it wrote
-char* WriteUtf8(char32_t character, char* out) {
+char* WriteUtf8(char32_t unit, char* out) {
   const auto write = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
-  if (character < 0x80) {
-    write(character);
+  if (unit < 0x80) {
+    write(unit);
     return out;
   }
-  if (character < 0x800) {
-    write(0xC0 | character >> 6);
+  if (unit < 0x800) {
+    write(0xC0 | unit >> 6);
   } else {
-    if (character < 0x10000) {
-      write(0xE0 | character >> 12);
-    } else {
-      write(0xF0 | character >> 18);
-      write(0x80 | (character >> 12 & 0x3F));
-    }
-    write(0x80 | (character >> 6 & 0x3F));
+    write(0xE0 | unit >> 12);
+    write(0x80 | (unit >> 6 & 0x3F));
   }
-  write(0x80 | (character & 0x3F));
+  write(0x80 | (unit & 0x3F));
   return out;
 }
 
@@ -371,18 +364,11 @@ char* JsonScanner::ReadEscape(char* out) {
     *out = character;
     return out + 1;
   }
-  std::optional<char32_t> unit = ReadUnit(position_);
+  const std::optional<char32_t> unit = ReadUnit(position_);
   if (!unit.has_value()) {
     return nullptr;
   }
   position_ += kUnitEscapeSize;
-  if (IsHighSurrogate(*unit)) {
-    const std::optional<char32_t> low = ReadUnit(position_);
-    if (low.has_value() && IsLowSurrogate(*low)) {
-      position_ += kUnitEscapeSize;
-      *unit = 0x10000 + (((*unit - 0xD800) << 10) | (*low - 0xDC00));
-    }
-  }
   return WriteUtf8(*unit, out);
 }
 

@@ -13,16 +13,16 @@
 
 namespace vemora::prefs {
 
-/// A string without its quotes and escapes. It may be ill-formed UTF-8.
+/// A string without its quotes and escapes. It may be ill-formed UTF-8: escaped surrogates have
+/// their 3-byte form, also where two of them are a pair.
 struct ScannedText {
   std::string_view bytes;
   bool ascii = true;
 };
 
 /// Walks over a JSON text, forwards and in place: what strings stand for overwrites them. Takes
-/// strict JSON as RFC 8259 has it, but for escaped surrogates without a partner, which are taken in
-/// their 3-byte form, and numbers that are too large for a double, which are refused. The text ends
-/// at its first zero byte.
+/// strict JSON as RFC 8259 has it, escaped surrogates without a partner too, but refuses numbers
+/// that are too large for a double. The text ends at its first zero byte.
 ///
 /// The functions return whether they found what they read. After the first `false` the text is
 /// malformed and nothing more must be read. Nesting takes no stack.
