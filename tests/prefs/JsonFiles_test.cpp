@@ -800,6 +800,11 @@ INSTANTIATE_TEST_SUITE_P(
                       SpelledText{R"(\uD800\\uDC00)", "\xED\xA0\x80\\uDC00"},
                       SpelledText{R"(\uD7FF\uE000)", "\xED\x9F\xBF\xEE\x80\x80"}));
 
+TEST_F(JsonFilesRoundTrip, SavesAPairOfEscapedSurrogatesAsOneCharacter) {
+  LoadPrivate(FileOf(R"("\uD83D\uDE00": "\uD83D\uDE00")"));
+  EXPECT_EQ(SavePrivate(), SavedFileOf("\"\xF0\x9F\x98\x80\": \"\xF0\x9F\x98\x80\""));
+}
+
 INSTANTIATE_TEST_SUITE_P(EscapedBackslashBeforeU, JsonFilesText,
                          ::testing::Values(SpelledText{R"(\\uD800)", "\\uD800"},
                                            SpelledText{R"(\\\\uDC00)", "\\\\uDC00"},
