@@ -45,9 +45,9 @@ repetitions: CPU time of reads and replacements, elapsed time of all else.
 The **floor** of reads is a `std::unordered_map` over names that were folded and joined beforehand,
 on both sides. That of loading and saving is reading and writing the library's two files as plain
 bytes, that of `LoadPreferences` without files two failed opens, that of an uncached read from the
-registry the calls that it has to make, that of a process one that loads an empty library. RapidJSON parses in place and writes prettily the
-library's own two files; every other library has one file of its own. Memory is what a process that
-only loads has resident more than before.
+registry the calls that it has to make, that of a process one that loads an empty library. RapidJSON
+parses in place and writes prettily the library's own two files; every other library has one file of
+its own. Memory is what a process that only loads has resident more than before.
 
 {table}
 
