@@ -186,16 +186,6 @@ void WriteLevel(TextWriter& writer, const PreferenceMap& level) {
 
 }  // namespace
 
-void JsonText::Grow(std::size_t bytes) {
-  const std::size_t size = Size();
-  const std::size_t capacity = size + std::max(size, bytes);
-  std::unique_ptr<char[]> text(new char[capacity]);
-  std::copy(text_.get(), end_, text.get());
-  text_ = std::move(text);
-  end_ = text_.get() + size;
-  limit_ = text_.get() + capacity;
-}
-
 JsonText WriteLevels(const LevelMaps& levels, EShareLevel first, EShareLevel last) {
   std::size_t expected_size = 1024;
   for (std::size_t level = first; level <= last; ++level) {
