@@ -4,13 +4,14 @@
 
 #include <emmintrin.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
+#include "utils/CaseFolding.h"
 #include "utils/Words.h"
 #include "utils/vemora_ustring.h"
 
@@ -20,27 +21,18 @@ namespace vemora::prefs {
 /// takes for equal have the same words and the same hash, as long as the C locale stays. A folded
 /// name that is all ASCII has one byte for each character, any other two.
 ///
-/// The words are the first eight bytes, the last eight and those between, where the last two may
-/// overlap: so no name of eight bytes and more needs to be padded. A shorter one is both ends.
-///
-/// Every read and write of the store makes two of these, so the way of short ASCII names is inline.
+/// The words are the first two, the last two and those between. They overlap as they must, so that
+/// names from 8 to 32 bytes, which are nearly all, take one way through the code and need not be
+/// padded. A name shorter than a word is one word, four times.
 class FoldedName {
  public:
   // The words are written before they are read.
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
-  explicit FoldedName(const utils::vemora_ustring& name) {
-    if (name.size() > kInlineBytes || !FoldShort(name.data(), name.size())) {
-      FoldAny(name.data(), name.size());
-    }
-  }
+  explicit FoldedName(const utils::vemora_ustring& name) { Fold(name.data(), name.size()); }
 
   /// @param utf8 what `vemora_ustring::ToUtf8` gave
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): as above
-  explicit FoldedName(std::string_view utf8) {
-    if (utf8.size() > kInlineBytes || !FoldShort(utf8.data(), utf8.size())) {
-      FoldAnyUtf8(utf8);
-    }
-  }
+  explicit FoldedName(std::string_view utf8) { Fold(utf8.data(), utf8.size()); }
 
   std::uint64_t Hash() const { return hash_; }
 
@@ -51,7 +43,7 @@ class FoldedName {
 
   /// The folded form, to be kept with a name that is not ASCII: its length and its words.
   /// @{
-  std::size_t ImageSize() const { return ImageSizeOf(length_); }
+  std::size_t ImageSize() const { return ImageSizeOf(Length()); }
   void WriteImage(void* image) const;
   bool EqualsImage(const void* image) const;
   static std::size_t ImageSize(const void* image) {
@@ -62,158 +54,82 @@ class FoldedName {
   /// Whether an ASCII name of that length folds to this one. One that is shorter than eight bytes
   /// has zeros behind it up to eight.
   bool EqualsPaddedAscii(const char* name, std::size_t length) const {
-    if (length != length_ || !ascii_) {
-      return false;
-    }
-    if (!HasEnds(FoldBytes(LoadEnds(name, length)))) {
-      return false;
-    }
-    const Word* const middle = Middle();
-    for (std::size_t index = 0; index < MiddleWords(length); ++index) {
-      if (FoldWord(utils::LoadWord(name + (index + 1) * kWordSize)) != middle[index]) {
-        return false;
-      }
-    }
-    return true;
+    return tag_ == MakeTag(length, true) && FoldEnds(LoadEnds(name, length)) == ends_ &&
+           (MiddleWords(length) == 0 || EqualsMiddle(name + kEndSize));
   }
 
  private:
   using Word = std::uint64_t;
   static constexpr std::size_t kWordSize = sizeof(Word);
-  static constexpr std::size_t kInlineWords = 10;
-  static constexpr std::size_t kInlineBytes = (kInlineWords + 2) * kWordSize;
+  static constexpr std::size_t kEndSize = 2 * kWordSize;
+  static constexpr std::size_t kInlineWords = 8;
+  static constexpr std::size_t kInlineBytes = kInlineWords * kWordSize + 2 * kEndSize;
 
-  /// How many words lie between the first and the last.
-  static constexpr std::size_t MiddleWords(std::size_t bytes) {
-    return bytes > 2 * kWordSize ? (bytes - kWordSize - 1) / kWordSize : 0;
+  /// The first two words and the last two.
+  struct Ends {
+    bool operator==(const Ends& other) const {
+      const __m128i same =
+          _mm_and_si128(_mm_cmpeq_epi8(front, other.front), _mm_cmpeq_epi8(back, other.back));
+      return _mm_movemask_epi8(same) == 0xFFFF;
+    }
+
+    __m128i front;
+    __m128i back;
+  };
+
+  /// Calls `narrow(left, right)` with where the words of each end begin, to have their bytes.
+  template <typename Unit, typename Narrow>
+  static Ends MakeEnds(const Unit* units, std::size_t length, Narrow narrow) {
+    const Unit* const last = units + (std::max(length, kWordSize) - kWordSize);
+    const Unit* const back = units + (std::max(length, kEndSize) - kEndSize);
+    return {narrow(units, std::min(units + kWordSize, last)), narrow(back, last)};
   }
 
-  static constexpr std::size_t ImageSizeOf(std::size_t bytes) {
-    return kWordSize + sizeof(__m128i) + kWordSize * MiddleWords(bytes);
+  /// @param bytes at least eight
+  static Ends LoadEnds(const char* bytes, std::size_t length) {
+    return MakeEnds(bytes, length, [](const char* left, const char* right) {
+      return _mm_unpacklo_epi64(LoadEight(left), LoadEight(right));
+    });
   }
 
   static __m128i LoadEight(const void* bytes) {
     return _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
   }
 
-  static __m128i LoadEnds(const char* bytes, std::size_t length) {
-    const char* const last = bytes + (length > kWordSize ? length - kWordSize : 0);
-    return _mm_unpacklo_epi64(LoadEight(bytes), LoadEight(last));
-  }
-
-  bool HasEnds(__m128i ends) const {
-    return _mm_movemask_epi8(_mm_cmpeq_epi8(ends, ends_)) == 0xFFFF;
-  }
-
   static Word ToWord(__m128i eight) { return static_cast<Word>(_mm_cvtsi128_si64(eight)); }
 
-  /// ASCII characters in upper case.
-  static __m128i FoldBytes(__m128i bytes) {
-    const __m128i from_a = _mm_cmpgt_epi8(bytes, _mm_set1_epi8('a' - 1));
-    const __m128i to_z = _mm_cmplt_epi8(bytes, _mm_set1_epi8('z' + 1));
-    const __m128i bit = _mm_and_si128(_mm_and_si128(from_a, to_z), _mm_set1_epi8('a' - 'A'));
-    return _mm_xor_si128(bytes, bit);
+  static Ends FoldEnds(const Ends& ends) {
+    return {utils::FoldAscii(ends.front), utils::FoldAscii(ends.back)};
   }
-
   static Word FoldWord(Word word) {
-    return ToWord(FoldBytes(_mm_cvtsi64_si128(static_cast<long long>(word))));
+    return ToWord(utils::FoldAscii(_mm_cvtsi64_si128(static_cast<long long>(word))));
   }
 
-  /// Characters of a name as 16-bit units: of UTF-8, only ASCII comes out as it is.
-  /// @{
-  static __m128i WidenEight(const utils::CodeUnit* units) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+  /// How many words lie between the ends.
+  static constexpr std::size_t MiddleWords(std::size_t bytes) {
+    return bytes > 2 * kEndSize ? (bytes - 2 * kEndSize + kWordSize - 1) / kWordSize : 0;
   }
-  static __m128i WidenEight(const char* bytes) {
-    return _mm_unpacklo_epi8(LoadEight(bytes), _mm_setzero_si128());
-  }
-  static __m128i WidenFour(const utils::CodeUnit* units) { return LoadEight(units); }
-  static __m128i WidenFour(const char* bytes) {
-    int four = 0;
-    std::memcpy(&four, bytes, sizeof(four));
-    return _mm_unpacklo_epi8(_mm_cvtsi32_si128(four), _mm_setzero_si128());
-  }
-  static unsigned Widen(utils::CodeUnit unit) { return unit; }
-  static unsigned Widen(char byte) { return static_cast<unsigned char>(byte); }
-  /// @}
 
-  /// The characters of a name shorter than eight, in the low bytes. All of them are put into
-  /// `seen`, one over the other.
+  static constexpr std::size_t ImageSizeOf(std::size_t bytes) {
+    return kWordSize + sizeof(Ends) + kWordSize * MiddleWords(bytes);
+  }
+
   template <typename Unit>
-  static Word NarrowFew(const Unit* units, std::size_t length, __m128i& seen) {
-    if (length >= 4) {
-      const __m128i first = WidenFour(units);
-      const __m128i last = WidenFour(units + length - 4);
-      seen = _mm_or_si128(first, last);
-      const __m128i bytes = _mm_packus_epi16(first, last);
-      return ToWord(bytes) | ToWord(_mm_unpackhi_epi64(bytes, bytes)) << (8 * (length - 4));
-    }
-    if (length == 0) {
-      return 0;
-    }
-    const unsigned first = Widen(units[0]);
-    const unsigned middle = Widen(units[length / 2]);
-    const unsigned last = Widen(units[length - 1]);
-    seen = _mm_cvtsi32_si128(static_cast<int>(first | middle | last));
-    return first | middle << (8 * (length / 2)) | last << (8 * (length - 1));
-  }
-
-  static bool IsAscii(__m128i units) {
-    return (_mm_movemask_epi8(_mm_adds_epu16(units, _mm_set1_epi16(0x7F80))) & 0xAAAA) == 0;
-  }
-
-  /// False when the name is not all ASCII.
-  template <typename Unit>
-  bool FoldShort(const Unit* units, std::size_t length) {
-    __m128i seen = _mm_setzero_si128();
-    if (length >= kWordSize) {
-      const __m128i first = WidenEight(units);
-      const __m128i last = WidenEight(units + length - kWordSize);
-      seen = _mm_or_si128(first, last);
-      ends_ = FoldBytes(_mm_packus_epi16(first, last));
-    } else {
-      const auto word = static_cast<long long>(FoldWord(NarrowFew(units, length, seen)));
-      ends_ = _mm_set1_epi64x(word);
-    }
-    Word hash = HashEnds(length);
-    for (std::size_t index = 0; index < MiddleWords(length); ++index) {
-      const __m128i eight = WidenEight(units + (index + 1) * kWordSize);
-      seen = _mm_or_si128(seen, eight);
-      inline_[index] = ToWord(FoldBytes(_mm_packus_epi16(eight, eight)));
-      hash = AddToHash(hash, inline_[index]);
-    }
-    hash_ = hash;
-    length_ = length;
-    ascii_ = true;
-    name_ascii_ = true;
-    return IsAscii(seen);
-  }
-
-  Word HashEnds(std::size_t length) const {
-    const Word hash = AddToHash(kSeed + length, ToWord(ends_));
-    return AddToHash(hash, ToWord(_mm_unpackhi_epi64(ends_, ends_)));
-  }
-
-  /// A product of two halves that the file cannot know.
-  static Word AddToHash(Word hash, Word word) {
-    const Word mixed = hash ^ word;
-    return (static_cast<std::uint32_t>(mixed) ^ 0x85EBCA6BU) * ((mixed >> 32) ^ 0xC2B2AE35U) +
-           kSeed;
-  }
-
+  void Fold(const Unit* units, std::size_t length);
   void FoldAny(const utils::CodeUnit* units, std::size_t length);
-  void FoldAnyUtf8(std::string_view utf8);
+  void FoldAny(const char* utf8, std::size_t length);
   void SetBytes(const char* folded, std::size_t length, bool ascii);
-  Word Tag() const { return Word{length_} << 1 | (ascii_ ? 1 : 0); }
+  Word HashEnds() const;
+  bool EqualsMiddle(const char* ascii) const;
+  static Word MakeTag(std::size_t length, bool ascii) {
+    return Word{length} << 1 | (ascii ? 1 : 0);
+  }
+  std::size_t Length() const { return static_cast<std::size_t>(tag_ >> 1); }
   const Word* Middle() const { return heap_ != nullptr ? heap_.get() : inline_.data(); }
 
-  /// Chosen anew in each process, so that no file can be made whose names all have one hash.
-  static const Word kSeed;
-
-  __m128i ends_;
+  Ends ends_;
   Word hash_;
-  std::size_t length_;  // in bytes
-  bool ascii_;
+  Word tag_;  // the length in bytes, and whether the folded name is ASCII
   bool name_ascii_;
   std::unique_ptr<Word[]> heap_;  // the middle of a long name
   std::array<Word, kInlineWords> inline_;
@@ -231,7 +147,12 @@ inline std::uint32_t HashOfPair(std::uint64_t category, std::uint64_t key) {
 
 /// The names of one preference: as they were given, which must outlive the object, and folded.
 struct FoldedPair {
-  FoldedPair(const utils::vemora_ustring& categoryName, const utils::vemora_ustring& keyName);
+  FoldedPair(const utils::vemora_ustring& categoryName, const utils::vemora_ustring& keyName)
+      : category_name(categoryName),
+        key_name(keyName),
+        category(categoryName),
+        key(keyName),
+        hash(HashOfPair(category.Hash(), key.Hash())) {}
 
   const utils::vemora_ustring& category_name;
   const utils::vemora_ustring& key_name;

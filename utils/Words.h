@@ -1,9 +1,13 @@
 /// @file
-/// Memory eight bytes at a time. Internal to the library.
+/// Memory eight bytes at a time, and bits. Internal to the library.
 #pragma once
 
 #include <cstdint>
 #include <cstring>
+
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
 
 namespace vemora::utils {
 
@@ -12,6 +16,17 @@ inline std::uint64_t LoadWord(const void* bytes) {
   std::uint64_t word = 0;
   std::memcpy(&word, bytes, sizeof(word));
   return word;
+}
+
+/// How many of the lowest bits are not set; there is one that is.
+inline unsigned CountTrailingZeros(unsigned bits) {
+#if defined(_MSC_VER)
+  unsigned long count = 0;
+  _BitScanForward(&count, bits);
+  return count;
+#else
+  return static_cast<unsigned>(__builtin_ctz(bits));
+#endif
 }
 
 }  // namespace vemora::utils

@@ -114,6 +114,26 @@ TEST(FoldedName, EqualsTheImageOfAnEqualName) {
   }
 }
 
+TEST(FoldedName, OfAnyLengthWithAnUmlautAnywhereEqualsWhatCompareNoCaseTakesForEqual) {
+  constexpr std::size_t kLongestWithUmlaut = 60;
+  const std::string umlaut = "\xC3\xA4";
+  for (std::size_t length = 0; length < kLongestWithUmlaut; ++length) {
+    for (std::size_t place = 0; place <= length; ++place) {
+      const std::string lower = Lower(length).insert(place, umlaut);
+      const FoldedName folded = FromText(lower);
+      EXPECT_FALSE(folded.IsNameAscii());
+      for (const std::string& other :
+           {lower, Upper(length).insert(place, umlaut), Lower(length).insert(place, "\xC3\x84"),
+            Lower(length).insert(place, "\xC3\xA5"),
+            Lower(length).insert(length - place, umlaut)}) {
+        const bool equal = Utf8(lower).CompareNoCase(Utf8(other)) == 0;
+        EXPECT_EQ(folded == FromText(other), equal) << lower << " and " << other;
+        EXPECT_EQ(folded == FromStored(other), equal) << lower << " and " << other;
+      }
+    }
+  }
+}
+
 TEST(FoldedPair, HasAnotherHashWhenTheNamesChangePlaces) {
   const vemora_ustring left = "left";
   const vemora_ustring right = "right";
@@ -181,6 +201,18 @@ TEST(CompareNames, OrdersAsCompareNoCaseDoes) {
                                           "\xE6\x97\xA5",
                                           "a\xE6\x97\xA5 b",
                                           "A\xE6\x97\xA5 B"};
+  ExpectOrderOfCompareNoCase(names);
+}
+
+TEST(CompareNames, OrdersByTheFirstDifferenceWhereverItIs) {
+  constexpr std::size_t kLongestPrefix = 18;
+  std::vector<std::string> names;
+  for (std::size_t length = 0; length <= kLongestPrefix; ++length) {
+    for (const char* const different : {"", "_", "Z", "\xC3\xA4"}) {
+      names.push_back(Lower(length) + different + "tail");
+      names.push_back(Upper(length) + different);
+    }
+  }
   ExpectOrderOfCompareNoCase(names);
 }
 
