@@ -1,7 +1,6 @@
 #include "prefs/Classification.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <string_view>
 
 #include "prefs/FoldedName.h"
@@ -11,11 +10,9 @@ namespace vemora::prefs {
 
 Classification Classification::MakeBuiltIn() {
   Classification classification;
-  const ShareLevelRows rows;
-  // Sparse, for most names that are looked for are none of these.
-  classification.guesses_.Reserve(4 * static_cast<std::size_t>(rows.end() - rows.begin()));
+  classification.ReserveGuesses();
   std::string_view category;
-  for (const ShareLevelRow& row : rows) {
+  for (const ShareLevelRow& row : ShareLevelRows()) {
     if (row.Category() != category) {
       category = row.Category();
       classification.levels_.OpenCategory(category);
@@ -38,7 +35,7 @@ std::optional<EShareLevel> Classification::Find(const FoldedPair& pair) const {
 }
 
 bool Classification::Set(const FoldedPair& pair, EShareLevel level) {
-  guesses_.Reserve(1);
+  ReserveGuesses();
   Preference* const known = levels_.Find(pair);
   if (known != nullptr) {
     levels_.Assign(*known, static_cast<int>(level));
@@ -49,14 +46,13 @@ bool Classification::Set(const FoldedPair& pair, EShareLevel level) {
   return known == nullptr;
 }
 
-/// There is room for one more. Pairs that share a hash share the guess.
+/// Pairs whose hashes begin alike share the guess.
 void Classification::SetGuess(std::uint32_t hash, EShareLevel level) noexcept {
-  const std::uint32_t old = guesses_.Find(hash, [](std::uint32_t) { return true; });
-  if (old != SlotTable::kNone) {
-    guesses_.Remove(hash, old);
-  }
-  // Levels beyond the last stay numbers that a table can hold.
-  guesses_.Add(hash, std::min<std::uint32_t>(level, kShareLevelCount));
+  // A level beyond the last stays one.
+  const std::uint32_t usable = std::min<std::uint32_t>(level, kShareLevelCount);
+  const auto own = static_cast<std::uint8_t>(usable + 1);
+  std::uint8_t& guess = guesses_[IndexOf(hash)];
+  guess = guess == kNoGuess || guess == own ? own : std::uint8_t{kUnsure + 1};
 }
 
 }  // namespace vemora::prefs

@@ -2,12 +2,13 @@
 /// The share levels of known preferences. What it offers is internal to the library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "prefs/PreferenceMap.h"
 #include "prefs/ShareLevel.h"
-#include "prefs/SlotTable.h"
 
 namespace vemora::prefs {
 
@@ -22,22 +23,32 @@ class Classification {
   /// Nothing for an unknown pair.
   std::optional<EShareLevel> Find(const FoldedPair& pair) const;
 
-  /// The level of a known pair with that hash: nearly always the pair in question, but its names
-  /// were not looked at. Nothing when there is none.
+  /// A guess when known pairs of several levels have hashes like that one.
+  static constexpr auto kUnsure = static_cast<EShareLevel>(kShareLevelCount + 1);
+
+  /// The level of the pair with that hash, provided that it is known, or `kUnsure`. Its names are
+  /// not looked at, so an unknown pair can have a guess, too. Nothing when it is surely unknown.
   std::optional<EShareLevel> Guess(std::uint32_t hash) const {
-    const std::uint32_t level = guesses_.Find(hash, [](std::uint32_t) { return true; });
-    return level != SlotTable::kNone ? std::optional(static_cast<EShareLevel>(level))
-                                     : std::nullopt;
+    const unsigned guess = guesses_.empty() ? kNoGuess : guesses_[IndexOf(hash)];
+    return guess != kNoGuess ? std::optional(static_cast<EShareLevel>(guess - 1)) : std::nullopt;
   }
 
   /// Adds a pair or changes its level; false when it was known.
   bool Set(const FoldedPair& pair, EShareLevel level);
 
  private:
+  static constexpr std::uint8_t kNoGuess = 0;
+  static constexpr unsigned kGuessBits = 14;
+
+  static std::size_t IndexOf(std::uint32_t hash) { return hash >> (32 - kGuessBits); }
+
+  void ReserveGuesses() { guesses_.resize(std::size_t{1} << kGuessBits, kNoGuess); }
   void SetGuess(std::uint32_t hash, EShareLevel level) noexcept;
 
   PreferenceMap levels_;  // as whole numbers
-  SlotTable guesses_;
+  /// Levels, counted from 1. Far more than there are known pairs, for most names that are looked
+  /// for are none of these.
+  std::vector<std::uint8_t> guesses_;
 };
 
 }  // namespace vemora::prefs

@@ -404,7 +404,9 @@ const vemora_ustring& JsonCommon::GetPathOfLock() const {
 
 /// Whether nobody has overridden `GetLevel`, so that its answer can be had without the call.
 bool JsonCommon::ClassifiesByTable() const {
-  return typeid(*this) == typeid(PreferencesJson) || typeid(*this) == typeid(JsonCommon);
+  // By address, which is fast: where it fails for a class of that name, the call is made.
+  const std::type_info* const type = &typeid(*this);
+  return type == &typeid(PreferencesJson) || type == &typeid(JsonCommon);
 }
 
 void JsonCommon::SetClassification(Classification&& classification) noexcept {
@@ -420,10 +422,12 @@ EShareLevel JsonCommon::LevelOf(const FoldedPair& pair) {
 }
 
 JsonCommon::Place JsonCommon::Locate(const FoldedPair& pair) {
-  std::optional<EShareLevel> guess;
+  std::optional<EShareLevel> guess = Classification::kUnsure;
   if (ClassifiesByTable()) {
     guess = levelData.Guess(pair.hash);
-    PreferenceMap& level = levels[Usable(guess.value_or(GetDefaultShareLevel()))];
+  }
+  if (guess != Classification::kUnsure) {
+    PreferenceMap& level = levels[Usable(guess.has_value() ? *guess : GetDefaultShareLevel())];
     Preference* const found = level.Find(pair);
     if (!guess.has_value() || (found != nullptr && found->IsAtHome())) {
       return {level, found};
