@@ -7,33 +7,13 @@
 #include <string>
 #include <system_error>
 
+#include "prefs/JsonBlock.h"
 #include "utils/Ascii.h"
-
-#if defined(_MSC_VER)
-#include <intrin.h>
-#endif
+#include "utils/Words.h"
 
 namespace vemora::prefs {
 
 namespace {
-
-/// How many of the lowest bits are not set; there is one that is.
-unsigned CountTrailingZeros(unsigned bits) {
-#if defined(_MSC_VER)
-  unsigned long count = 0;
-  _BitScanForward(&count, bits);
-  return count;
-#else
-  return static_cast<unsigned>(__builtin_ctz(bits));
-#endif
-}
-
-/// A bit for each byte of the block that is that character.
-__m128i Equals(__m128i block, char character) {
-  return _mm_cmpeq_epi8(block, _mm_set1_epi8(character));
-}
-
-unsigned ToBits(__m128i block) { return static_cast<unsigned>(_mm_movemask_epi8(block)); }
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
@@ -332,11 +312,11 @@ bool JsonScanner::SkipDigits() {
 void JsonScanner::SkipSpace() {
   unsigned others = 0;
   do {
-    const __m128i block = LoadBlock();
-    const __m128i space = _mm_or_si128(_mm_or_si128(Equals(block, ' '), Equals(block, '\t')),
-                                       _mm_or_si128(Equals(block, '\n'), Equals(block, '\r')));
+    const JsonBlock block = LoadBlock();
+    const JsonBlock space = _mm_or_si128(_mm_or_si128(Equals(block, ' '), Equals(block, '\t')),
+                                         _mm_or_si128(Equals(block, '\n'), Equals(block, '\r')));
     others = ~ToBits(space) & 0xFFFF;
-    position_ += others != 0 ? CountTrailingZeros(others) : kBlockSize;
+    position_ += others != 0 ? utils::CountTrailingZeros(others) : kBlockSize;
   } while (others == 0);
 }
 
@@ -346,12 +326,11 @@ bool JsonScanner::SkipPlainCharacters() {
   unsigned non_ascii = 0;
   unsigned others = 0;
   do {
-    const __m128i block = LoadBlock();
-    const __m128i control = _mm_cmpeq_epi8(_mm_min_epu8(block, _mm_set1_epi8(0x1F)), block);
-    others = ToBits(_mm_or_si128(control, _mm_or_si128(Equals(block, '"'), Equals(block, '\\'))));
+    const JsonBlock block = LoadBlock();
+    others = FindSpecial(block);
     // Of the bits below the first of the others.
     non_ascii |= ToBits(block) & (others - 1) & ~others;
-    position_ += others != 0 ? CountTrailingZeros(others) : kBlockSize;
+    position_ += others != 0 ? utils::CountTrailingZeros(others) : kBlockSize;
   } while (others == 0);
   return non_ascii == 0;
 }

@@ -2,13 +2,12 @@
 /// Reads JSON text piece by piece. Internal to the library.
 #pragma once
 
-#include <emmintrin.h>
-
 #include <cstddef>
 #include <cstring>
 #include <optional>
 #include <string_view>
 
+#include "prefs/JsonBlock.h"
 #include "prefs/PreferenceMap.h"
 
 namespace vemora::prefs {
@@ -75,16 +74,16 @@ class JsonScanner {
   bool SkipValue();
 
  private:
-  static constexpr std::ptrdiff_t kBlockSize = sizeof(__m128i);
+  static constexpr std::ptrdiff_t kBlockSize = sizeof(JsonBlock);
 
   /// What lies ahead, zeros behind the end.
-  __m128i LoadBlock() const {
+  JsonBlock LoadBlock() const {
     if (end_ - position_ >= kBlockSize) {
-      return _mm_loadu_si128(reinterpret_cast<const __m128i*>(position_));
+      return _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(position_));
     }
     char last[kBlockSize] = {};
     std::memcpy(last, position_, static_cast<std::size_t>(end_ - position_));
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(last));
+    return _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(last));
   }
 
   bool ReadName(ScannedText& name);

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "prefs/JsonAllocator.h"
+#include "prefs/JsonBlock.h"
 #include "utils/Words.h"
 
 namespace vemora::prefs {
@@ -21,40 +22,45 @@ namespace {
 using Utf8 = rapidjson::UTF8<>;
 using Writer = rapidjson::Writer<JsonText, Utf8, Utf8, JsonAllocator>;
 
-bool NeedsEscape(char character) {
+bool IsSpecial(char character) {
   return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
-}
-
-bool HasEscapes(std::uint64_t eightBytes) {
-  constexpr std::uint64_t kEach = 0x0101010101010101;
-  // Has the high bit of a byte if one is below that limit, which all that are not ASCII are not.
-  const auto below = [](std::uint64_t word, std::uint64_t limit) {
-    return (word - limit * kEach) & ~word;
-  };
-  const std::uint64_t found = below(eightBytes, 0x20) | below(eightBytes ^ ('"' * kEach), 1) |
-                              below(eightBytes ^ ('\\' * kEach), 1);
-  return (found & (0x80 * kEach)) != 0;
 }
 
 /// Copies the bytes at the start that need no escape.
 /// @return their number
 std::size_t CopyUnescaped(std::string_view text, char* to) {
+  constexpr std::size_t kBlock = sizeof(JsonBlock);
   std::size_t index = 0;
-  if (text.size() >= sizeof(std::uint64_t)) {
-    // The last word may have bytes of the one before it.
-    const std::size_t last = text.size() - sizeof(std::uint64_t);
-    for (;; index = std::min(index + sizeof(std::uint64_t), last)) {
-      const std::uint64_t word = utils::LoadWord(text.data() + index);
-      if (HasEscapes(word)) {
-        break;
+  if (text.size() >= kBlock) {
+    // The last block may have bytes of the one before it.
+    const std::size_t last = text.size() - kBlock;
+    for (;; index = std::min(index + kBlock, last)) {
+      const JsonBlock block = _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(&text[index]));
+      _mm_storeu_si128(reinterpret_cast<JsonBlock*>(to + index), block);
+      if (const unsigned special = FindSpecial(block)) {
+        return index + utils::CountTrailingZeros(special);
       }
-      std::memcpy(to + index, &word, sizeof(word));
       if (index == last) {
         return text.size();
       }
     }
   }
-  for (; index < text.size() && !NeedsEscape(text[index]); ++index) {
+  if (text.size() >= kBlock / 2) {
+    // The last half, too, may have bytes of the first.
+    const std::size_t last = text.size() - kBlock / 2;
+    const std::uint64_t first_half = utils::LoadWord(text.data());
+    const std::uint64_t last_half = utils::LoadWord(text.data() + last);
+    std::memcpy(to, &first_half, sizeof(first_half));
+    std::memcpy(to + last, &last_half, sizeof(last_half));
+    const unsigned special = FindSpecial(
+        _mm_set_epi64x(static_cast<long long>(last_half), static_cast<long long>(first_half)));
+    if (special == 0) {
+      return text.size();
+    }
+    const std::size_t found = utils::CountTrailingZeros(special);
+    return found < kBlock / 2 ? found : found - kBlock / 2 + last;
+  }
+  for (; index < text.size() && !IsSpecial(text[index]); ++index) {
     to[index] = text[index];
   }
   return index;

@@ -726,6 +726,28 @@ TEST_F(JsonFilesRoundTrip, KeepsEveryCodeUnitInAValue) {
   EXPECT_TRUE(loaded.ReadString("C", "key", "") == text);
 }
 
+TEST_F(JsonFilesRoundTrip, KeepsACharacterThatIsEscapedAtEachPlace) {
+  constexpr std::size_t kLongest = 40;
+  std::vector<vemora_ustring> texts;
+  for (std::size_t length = 0; length <= kLongest; ++length) {
+    for (std::size_t place = 0; place <= length; ++place) {
+      for (const char special : {'"', '\\', '\n', '\x1F'}) {
+        std::string text(length, 'x');
+        text.insert(place, 1, special);
+        texts.emplace_back(text.c_str());
+      }
+    }
+  }
+  for (std::size_t index = 0; index < texts.size(); ++index) {
+    store.WriteString("C", std::to_string(index).c_str(), texts[index]);
+  }
+  OpenStore loaded;
+  Reload(loaded);
+  for (std::size_t index = 0; index < texts.size(); ++index) {
+    EXPECT_EQ(loaded.ReadString("C", std::to_string(index).c_str(), "none"), texts[index]);
+  }
+}
+
 TEST_F(JsonFilesRoundTrip, KeepsEveryAsciiCharacterInNames) {
   for (unsigned unit = 0; unit < 0x80; ++unit) {
     ExpectText(vemora_ustring(1, static_cast<CodeUnit>(unit)));
