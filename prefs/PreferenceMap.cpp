@@ -124,15 +124,19 @@ class PreferenceMap::Tables {
   }
   const std::vector<std::uint32_t>& Categories() const { return categories_; }
   bool Empty() const { return live_categories_ == 0; }
-  bool IsWasteful() const;
+  bool IsWasteful() const {
+    constexpr std::size_t kNegligible = std::size_t{64} * 1024;
+    constexpr std::size_t kTooMuch = std::size_t{16} * 1024 * 1024;
+    return wasted_ > kNegligible && wasted_ > std::min(MemoryUsed() / 2, kTooMuch);
+  }
   std::size_t MemoryUsed() const { return arena_.Used() + others_.size() * sizeof(Variant); }
 
   std::uint32_t FindCategory(const FoldedName& name) const;
-  std::uint32_t FindPreference(const FoldedPair& pair) const;
+  Preference* FindPreference(const FoldedPair& pair) const;
 
   void Add(const FoldedPair& pair, const PreferenceValue& value);
   void Assign(Preference& preference, const PreferenceValue& value);
-  void Erase(std::uint32_t ref) noexcept;
+  void Erase(Preference& preference) noexcept;
   void EraseCategory(std::uint32_t ref) noexcept;
 
   void ForgetHomes() noexcept;
@@ -267,23 +271,21 @@ PreferenceMap::Tables::Tables(const Tables& other)
   }
 }
 
-bool PreferenceMap::Tables::IsWasteful() const {
-  constexpr std::size_t kNegligible = std::size_t{64} * 1024;
-  constexpr std::size_t kTooMuch = std::size_t{16} * 1024 * 1024;
-  return wasted_ > std::clamp(MemoryUsed() / 2, kNegligible, kTooMuch);
-}
-
 std::uint32_t PreferenceMap::Tables::FindCategory(const FoldedName& name) const {
   return category_slots_.Find(HashOfCategory(name.Hash()),
                               [&](std::uint32_t ref) { return IsSameName(CategoryAt(ref), name); });
 }
 
-std::uint32_t PreferenceMap::Tables::FindPreference(const FoldedPair& pair) const {
-  return preference_slots_.Find(pair.hash, [&](std::uint32_t ref) {
-    const Preference& preference = At(ref);
-    return IsSameName(preference, pair.key) &&
-           IsSameName(CategoryAt(preference.category_), pair.category);
+Preference* PreferenceMap::Tables::FindPreference(const FoldedPair& pair) const {
+  Preference* found = nullptr;
+  preference_slots_.Find(pair.hash, [&](std::uint32_t ref) {
+    Preference& preference = At(ref);
+    const bool same = IsSameName(preference, pair.key) &&
+                      IsSameName(CategoryAt(preference.category_), pair.category);
+    found = same ? &preference : nullptr;
+    return same;
   });
+  return found;
 }
 
 void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& value) {
@@ -302,9 +304,9 @@ void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& v
   }
 }
 
-void PreferenceMap::Tables::Erase(std::uint32_t ref) noexcept {
-  Preference& preference = At(ref);
-  preference_slots_.Remove(preference.hash_, ref);
+void PreferenceMap::Tables::Erase(Preference& preference) noexcept {
+  const auto is_it = [&](std::uint32_t ref) { return &At(ref) == &preference; };
+  preference_slots_.Remove(preference.hash_, preference_slots_.Find(preference.hash_, is_it));
   MarkErased(preference);
   if (--CategoryAt(preference.category_).count == 0) {
     EraseCategory(preference.category_);
@@ -674,12 +676,11 @@ bool PreferenceMap::HasCategory(const FoldedName& category) const {
 }
 
 const Preference* PreferenceMap::Find(const FoldedPair& pair) const {
-  const std::uint32_t found = RefOf(pair);
-  return found != kNone ? &tables_->At(found) : nullptr;
+  return tables_ != nullptr ? tables_->FindPreference(pair) : nullptr;
 }
 
 Preference* PreferenceMap::Find(const FoldedPair& pair) {
-  return const_cast<Preference*>(std::as_const(*this).Find(pair));
+  return tables_ != nullptr ? tables_->FindPreference(pair) : nullptr;
 }
 
 Variant PreferenceMap::GetValue(const Preference& preference) const {
@@ -704,11 +705,11 @@ void PreferenceMap::ForgetHomes() {
 }
 
 bool PreferenceMap::Erase(const FoldedPair& pair) {
-  const std::uint32_t found = RefOf(pair);
-  if (found == kNone) {
+  Preference* const found = Find(pair);
+  if (found == nullptr) {
     return false;
   }
-  tables_->Erase(found);
+  tables_->Erase(*found);
   return true;
 }
 
@@ -805,10 +806,6 @@ std::vector<const Preference*> PreferenceMap::GetPreferences(const Category& cat
 std::vector<const Preference*> PreferenceMap::GetPreferences(const FoldedName& category) const {
   const std::uint32_t found = RefOf(category);
   return found != kNone ? tables_->GetPreferences(found) : std::vector<const Preference*>();
-}
-
-std::uint32_t PreferenceMap::RefOf(const FoldedPair& pair) const {
-  return tables_ != nullptr ? tables_->FindPreference(pair) : kNone;
 }
 
 std::uint32_t PreferenceMap::RefOf(const FoldedName& category) const {

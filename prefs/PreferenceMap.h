@@ -177,7 +177,6 @@ class PreferenceMap {
  private:
   class Tables;
 
-  std::uint32_t RefOf(const FoldedPair& pair) const;
   std::uint32_t RefOf(const FoldedName& category) const;
   Tables& MakeTables();
   void DropWaste() noexcept;

@@ -44,35 +44,50 @@ char32_t NextCodePoint(const CodeUnit* text, std::size_t length, std::size_t& in
   return ((unit - 0xD800) << 10) + (low - 0xDC00) + 0x10000;
 }
 
-void AppendCodePoint(std::basic_string<CodeUnit>& text, char32_t point) {
+/// @return behind the one or two units that it wrote
+CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
   if (point < 0x10000) {
-    text.push_back(static_cast<CodeUnit>(point));
-    return;
+    *out++ = static_cast<CodeUnit>(point);
+    return out;
   }
-  text.push_back(static_cast<CodeUnit>(0xD800 + ((point - 0x10000) >> 10)));
-  text.push_back(static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+  *out++ = static_cast<CodeUnit>(0xD800 + ((point - 0x10000) >> 10));
+  *out++ = static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF));
+  return out;
+}
+
+/// Appends the code points that `next` gives while `more` is true; many units at a time, for a
+/// string grows slowly.
+template <typename More, typename Next>
+void AppendCodePoints(std::basic_string<CodeUnit>& text, More more, Next next) {
+  constexpr std::size_t kBlock = 128;
+  std::array<CodeUnit, kBlock> block;
+  while (more()) {
+    CodeUnit* end = block.data();
+    while (more() && end + 2 <= block.data() + block.size()) {
+      end = WriteCodePoint(end, next());
+    }
+    text.append(block.data(), end);
+  }
 }
 
 /// Eight bytes as units.
-__m128i WidenEight(const char* text) {
+/// @return the units
+__m128i WidenEight(const char* text, CodeUnit* units) {
   const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
-  return _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
+  const __m128i eight = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(units), eight);
+  return eight;
 }
 
 /// Widens ASCII, which no locale changes; false, with `units` of no use, for other text.
 bool WidenAscii(const char* text, std::size_t length, CodeUnit* units) {
   constexpr std::size_t kStep = 8;
-  __m128i seen = _mm_setzero_si128();
-  const auto widen = [&](std::size_t index) {
-    const __m128i eight = WidenEight(text + index);
-    seen = _mm_or_si128(seen, eight);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(units + index), eight);
-  };
   if (length >= kStep) {
-    for (std::size_t index = 0; index + kStep < length; index += kStep) {
-      widen(index);
+    const std::size_t last = length - kStep;
+    __m128i seen = WidenEight(text + last, units + last);
+    for (std::size_t index = 0; index < last; index += kStep) {
+      seen = _mm_or_si128(seen, WidenEight(text + index, units + index));
     }
-    widen(length - kStep);
     return _mm_movemask_epi8(_mm_slli_epi16(seen, 8)) == 0;
   }
   unsigned few = 0;
@@ -140,10 +155,10 @@ std::wstring WideFromMultibyte(const char* text) {
 /// Text in the C library's wide characters, which may be wider than ours, as code units.
 vemora_ustring FromWide(const std::wstring& wide) {
   vemora_ustring text;
-  text.reserve(wide.size());
-  for (const wchar_t character : wide) {
-    AppendCodePoint(text, static_cast<char32_t>(character));
-  }
+  auto character = wide.begin();
+  AppendCodePoints(
+      text, [&] { return character != wide.end(); },
+      [&] { return static_cast<char32_t>(*character++); });
   return text;
 }
 
@@ -266,9 +281,9 @@ vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
     return text;
   }
   text.clear();
-  for (std::size_t index = 0; index < utf8.size();) {
-    AppendCodePoint(text, DecodeUtf8(utf8, index));
-  }
+  std::size_t index = 0;
+  AppendCodePoints(
+      text, [&] { return index < utf8.size(); }, [&] { return DecodeUtf8(utf8, index); });
   return text;
 }
 
