@@ -435,8 +435,9 @@ JsonCommon::Place JsonCommon::Locate(const FoldedPair& pair) {
   }
   const EShareLevel exact = LevelOf(pair);
   Preference* const found = levels[exact].Find(pair);
-  // The next time, the guess need not be looked into.
-  if (found != nullptr && guess == exact) {
+  // The next time, the guess need not be looked into. Only a known pair has a home: that of another
+  // is wherever the default level happens to be.
+  if (found != nullptr && guess == exact && levelData.Find(pair).has_value()) {
     found->SetAtHome(true);
   }
   return {levels[exact], found};

@@ -273,6 +273,8 @@ MUTANTS = [
            "displaced->SetAtHome(false);", "displaced->SetAtHome(true);"),
     Mutant("json store: every guess is right", "prefs/JsonCommon.cpp",
            "(found != nullptr && found->IsAtHome())", "found != nullptr"),
+    Mutant("store: an unclassified preference has a home", "prefs/JsonCommon.cpp",
+           " && levelData.Find(pair).has_value()", ""),
     Mutant("json writer: infinities written", "prefs/JsonWriter.cpp",
            "if (!std::isfinite(value)) {", "if (std::isnan(value)) {"),
     Mutant("json reader: levels from the second member", "prefs/JsonReader.cpp",

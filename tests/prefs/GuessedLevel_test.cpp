@@ -5,6 +5,7 @@
 
 #include "hash_collision.h"
 #include "prefs/FoldedName.h"
+#include "prefs/PreferencesDefaults.h"
 #include "store_support.h"
 #include "support.h"
 
@@ -39,6 +40,20 @@ TEST_F(GuessedLevel, OfAnotherPreferenceIsNotTaken) {
   EXPECT_TRUE(guessing.IsLevelEmpty(kWebOnly));
   EXPECT_EQ(guessing.ReadInt(category, other_key, 0), 5);
   EXPECT_FALSE(guessing.IsPreferenceSet(category, key));
+}
+
+TEST_F(GuessedLevel, DoesNotKeepAnUnclassifiedPreferenceWhereItHappenedToBeTheDefaultLevel) {
+  Classify(key, kWebOnly);
+  const auto write_and_read = [this](EShareLevel level, int value) {
+    const ShareLevelOverride guard(level);
+    guessing.WriteInt(category, other_key, value);
+    return guessing.ReadInt(category, other_key, 0);
+  };
+  EXPECT_EQ(write_and_read(kWebOnly, 1), 1);
+  EXPECT_EQ(write_and_read(kMacOnly, 2), 2);
+  EXPECT_EQ(write_and_read(kWebOnly, 3), 3);
+  const ShareLevelOverride guard(kMacOnly);
+  EXPECT_EQ(guessing.ReadInt(category, other_key, 0), 2);
 }
 
 TEST_F(GuessedLevel, IsRightForBothOfTwoClassifiedPreferences) {
