@@ -135,10 +135,10 @@ bool FoldBlock(CodeUnit* units, bool& ascii) {
 bool ContinuesSequence(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
 CodeUnit FirstFolded(std::string_view utf8) {
-  const auto* const end = std::find_if_not(utf8.begin() + 1, utf8.end(), ContinuesSequence);
+  const char* const start = utf8.data();
+  const char* const end = std::find_if_not(start + 1, start + utf8.size(), ContinuesSequence);
   return utils::FoldUnit(
-      vemora_ustring::FromUtf8(utf8.substr(0, static_cast<std::size_t>(end - utf8.begin())))
-          .front());
+      vemora_ustring::FromUtf8({start, static_cast<std::size_t>(end - start)}).front());
 }
 
 /// How many bytes at the start are ASCII and equal but for their case, or a few less.

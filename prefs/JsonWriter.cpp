@@ -26,44 +26,52 @@ bool IsSpecial(char character) {
   return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
 }
 
+/// For texts of a block and more.
+std::size_t CopyBlocks(std::string_view text, char* to) {
+  // The last block may have bytes of the one before it.
+  const std::size_t last = text.size() - sizeof(JsonBlock);
+  for (std::size_t index = 0;; index = std::min(index + sizeof(JsonBlock), last)) {
+    const JsonBlock block = _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(&text[index]));
+    _mm_storeu_si128(reinterpret_cast<JsonBlock*>(to + index), block);
+    if (const unsigned special = FindSpecial(block)) {
+      return index + utils::CountTrailingZeros(special);
+    }
+    if (index == last) {
+      return text.size();
+    }
+  }
+}
+
+/// For texts of half a block and more.
+std::size_t CopyHalves(std::string_view text, char* to) {
+  constexpr std::size_t kHalf = sizeof(std::uint64_t);
+  // The last half may have bytes of the first.
+  const std::size_t last = text.size() - kHalf;
+  const std::uint64_t first_half = utils::LoadWord(text.data());
+  const std::uint64_t last_half = utils::LoadWord(text.data() + last);
+  std::memcpy(to, &first_half, kHalf);
+  std::memcpy(to + last, &last_half, kHalf);
+  const unsigned special = FindSpecial(
+      _mm_set_epi64x(static_cast<long long>(last_half), static_cast<long long>(first_half)));
+  if (special == 0) {
+    return text.size();
+  }
+  const std::size_t found = utils::CountTrailingZeros(special);
+  return found < kHalf ? found : found - kHalf + last;
+}
+
 /// Copies the bytes at the start that need no escape.
 /// @return their number
 std::size_t CopyUnescaped(std::string_view text, char* to) {
-  constexpr std::size_t kBlock = sizeof(JsonBlock);
-  std::size_t index = 0;
-  if (text.size() >= kBlock) {
-    // The last block may have bytes of the one before it.
-    const std::size_t last = text.size() - kBlock;
-    for (;; index = std::min(index + kBlock, last)) {
-      const JsonBlock block = _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(&text[index]));
-      _mm_storeu_si128(reinterpret_cast<JsonBlock*>(to + index), block);
-      if (const unsigned special = FindSpecial(block)) {
-        return index + utils::CountTrailingZeros(special);
-      }
-      if (index == last) {
-        return text.size();
-      }
-    }
+  if (text.size() >= sizeof(JsonBlock)) {
+    return CopyBlocks(text, to);
   }
-  if (text.size() >= kBlock / 2) {
-    // The last half, too, may have bytes of the first.
-    const std::size_t last = text.size() - kBlock / 2;
-    const std::uint64_t first_half = utils::LoadWord(text.data());
-    const std::uint64_t last_half = utils::LoadWord(text.data() + last);
-    std::memcpy(to, &first_half, sizeof(first_half));
-    std::memcpy(to + last, &last_half, sizeof(last_half));
-    const unsigned special = FindSpecial(
-        _mm_set_epi64x(static_cast<long long>(last_half), static_cast<long long>(first_half)));
-    if (special == 0) {
-      return text.size();
-    }
-    const std::size_t found = utils::CountTrailingZeros(special);
-    return found < kBlock / 2 ? found : found - kBlock / 2 + last;
+  if (text.size() >= sizeof(JsonBlock) / 2) {
+    return CopyHalves(text, to);
   }
-  for (; index < text.size() && !IsSpecial(text[index]); ++index) {
-    to[index] = text[index];
-  }
-  return index;
+  const char* const end = std::find_if(text.data(), text.data() + text.size(), IsSpecial);
+  std::copy(text.data(), end, to);
+  return static_cast<std::size_t>(end - text.data());
 }
 
 /// Writes objects within objects, indented by four blanks.
