@@ -75,8 +75,9 @@ benchmark::internal::Benchmark* Register(const std::string& workload, Size size,
       name.c_str(), [=](benchmark::State& state) { function(state, size, arguments...); });
 }
 
-/// A library that leaves the upper halves of the vector registers in use makes all SSE code slow that
-/// runs after it, and most of what is measured here is such code: each benchmark begins without.
+/// A library that leaves the upper halves of the vector registers in use makes all SSE code slow
+/// that runs after it, and most of what is measured here is such code: each benchmark begins
+/// without.
 void ClearVectorRegisters();
 
 /// The store of that kind and size, filled by its first user.
