@@ -1,5 +1,7 @@
 #include "prefs/Classification.h"
 
+#include <utility>
+
 #include "hash_collision.h"
 #include "prefs/FoldedName.h"
 #include "prefs/ShareLevelTable.h"
@@ -37,24 +39,27 @@ TEST(Classification, ReplacesTheLevelOfAKnownPair) {
   EXPECT_EQ(classification.Guess(pair.hash), Classification::kUnsure);
 }
 
-TEST(Classification, IsUnsureOfPairsThatShareAGuess) {
-  const auto [key, other_key] = testing::FindCollision(
+class SharedGuess : public ::testing::Test {
+ protected:
+  const std::pair<vemora_ustring, vemora_ustring> keys = testing::FindCollision(
       [](const vemora_ustring& name) { return FoldedPair(kCategory, name).hash; });
+  const FoldedPair pair{kCategory, keys.first};
+  const FoldedPair other_pair{kCategory, keys.second};
   Classification classification;
-  classification.Set({kCategory, key}, kWebOnly);
-  classification.Set({kCategory, other_key}, kMacOnly);
-  EXPECT_EQ(classification.Guess(FoldedPair(kCategory, key).hash), Classification::kUnsure);
-  EXPECT_EQ(classification.Find({kCategory, key}), kWebOnly);
-  EXPECT_EQ(classification.Find({kCategory, other_key}), kMacOnly);
+};
+
+TEST_F(SharedGuess, OfPairsOfTwoLevelsIsUnsure) {
+  classification.Set(pair, kWebOnly);
+  classification.Set(other_pair, kMacOnly);
+  EXPECT_EQ(classification.Guess(pair.hash), Classification::kUnsure);
+  EXPECT_EQ(classification.Find(pair), kWebOnly);
+  EXPECT_EQ(classification.Find(other_pair), kMacOnly);
 }
 
-TEST(Classification, IsSureOfPairsThatShareAGuessOfOneLevel) {
-  const auto [key, other_key] = testing::FindCollision(
-      [](const vemora_ustring& name) { return FoldedPair(kCategory, name).hash; });
-  Classification classification;
-  classification.Set({kCategory, key}, kWebOnly);
-  classification.Set({kCategory, other_key}, kWebOnly);
-  EXPECT_EQ(classification.Guess(FoldedPair(kCategory, key).hash), kWebOnly);
+TEST_F(SharedGuess, OfPairsOfOneLevelIsThatLevel) {
+  classification.Set(pair, kWebOnly);
+  classification.Set(other_pair, kWebOnly);
+  EXPECT_EQ(classification.Guess(pair.hash), kWebOnly);
 }
 
 TEST(Classification, TellsTheLevelOfEveryBuiltInPair) {
