@@ -4,9 +4,9 @@
 #include <array>
 #include <chrono>
 #include <cstring>
+#include <memory>
 #include <numeric>
 #include <type_traits>
-#include <vector>
 
 #include "utils/Ascii.h"
 #include "utils/CaseFolding.h"
@@ -235,8 +235,12 @@ void FoldedName::FoldAny(const char* utf8, std::size_t length) {
 void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
   constexpr std::size_t kShort = kInlineBytes / sizeof(CodeUnit);
   std::array<CodeUnit, kShort + kUnitsInBlock> short_name;
-  std::vector<CodeUnit> long_name(length > kShort ? length + kUnitsInBlock : 0);
-  CodeUnit* const folded = length > kShort ? long_name.data() : short_name.data();
+  std::unique_ptr<CodeUnit[]> long_name;
+  CodeUnit* folded = short_name.data();
+  if (length > kShort) {
+    long_name.reset(new CodeUnit[length + kUnitsInBlock]);
+    folded = long_name.get();
+  }
   std::memcpy(folded, units, length * sizeof(CodeUnit));
   std::memset(folded + length, 0, kUnitsInBlock * sizeof(CodeUnit));
   name_ascii_ = true;
