@@ -15,6 +15,7 @@
 #include "utils/Ascii.h"
 #include "utils/CaseFolding.h"
 #include "utils/WideFormat.h"
+#include "utils/Words.h"
 
 namespace vemora::utils {
 namespace {
@@ -55,16 +56,18 @@ CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
   return out;
 }
 
-/// Appends the code points that `next` gives while `more` is true; many units at a time, for a
-/// string grows slowly.
-template <typename More, typename Next>
-void AppendCodePoints(std::basic_string<CodeUnit>& text, More more, Next next) {
+/// Appends the units that `write(out)` writes while `more` is true, up to eight each time; many
+/// units at a time, for a string grows slowly.
+/// @param write returns behind what it wrote
+template <typename More, typename Write>
+void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
   constexpr std::size_t kBlock = 128;
+  constexpr std::size_t kMost = 8;
   std::array<CodeUnit, kBlock> block;
   while (more()) {
     CodeUnit* end = block.data();
-    while (more() && end + 2 <= block.data() + block.size()) {
-      end = WriteCodePoint(end, next());
+    while (more() && end + kMost <= block.data() + block.size()) {
+      end = write(end);
     }
     text.append(block.data(), end);
   }
@@ -79,6 +82,11 @@ __m128i WidenEight(const char* text, CodeUnit* units) {
   return eight;
 }
 
+/// A bit for each of eight units below 256 that is not ASCII, at every other place.
+unsigned FindNonAscii(__m128i units) {
+  return static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(units, 8)));
+}
+
 /// Widens ASCII, which no locale changes; false, with `units` of no use, for other text.
 bool WidenAscii(const char* text, std::size_t length, CodeUnit* units) {
   constexpr std::size_t kStep = 8;
@@ -88,7 +96,7 @@ bool WidenAscii(const char* text, std::size_t length, CodeUnit* units) {
     for (std::size_t index = 0; index < last; index += kStep) {
       seen = _mm_or_si128(seen, WidenEight(text + index, units + index));
     }
-    return _mm_movemask_epi8(_mm_slli_epi16(seen, 8)) == 0;
+    return FindNonAscii(seen) == 0;
   }
   unsigned few = 0;
   for (std::size_t index = 0; index < length; ++index) {
@@ -156,9 +164,9 @@ std::wstring WideFromMultibyte(const char* text) {
 vemora_ustring FromWide(const std::wstring& wide) {
   vemora_ustring text;
   auto character = wide.begin();
-  AppendCodePoints(
+  AppendUnits(
       text, [&] { return character != wide.end(); },
-      [&] { return static_cast<char32_t>(*character++); });
+      [&](CodeUnit* out) { return WriteCodePoint(out, static_cast<char32_t>(*character++)); });
   return text;
 }
 
@@ -214,6 +222,22 @@ char32_t DecodeUtf8(std::string_view utf8, std::size_t& index) {
     ++index;
   }
   return point;
+}
+
+/// Decodes eight bytes of ASCII, or fewer up to the next other sequence, which it decodes instead
+/// where it comes first.
+/// @return behind the units that it wrote
+CodeUnit* DecodeSome(std::string_view utf8, std::size_t& index, CodeUnit* out) {
+  constexpr std::size_t kStep = 8;
+  if (utf8.size() - index >= kStep) {
+    const unsigned others = FindNonAscii(WidenEight(&utf8[index], out));
+    const std::size_t ascii = others != 0 ? CountTrailingZeros(others) / sizeof(CodeUnit) : kStep;
+    if (ascii != 0) {
+      index += ascii;
+      return out + ascii;
+    }
+  }
+  return WriteCodePoint(out, DecodeUtf8(utf8, index));
 }
 
 void AppendUtf8(std::string& utf8, char32_t point) {
@@ -282,8 +306,9 @@ vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
   }
   text.clear();
   std::size_t index = 0;
-  AppendCodePoints(
-      text, [&] { return index < utf8.size(); }, [&] { return DecodeUtf8(utf8, index); });
+  AppendUnits(
+      text, [&] { return index < utf8.size(); },
+      [&](CodeUnit* out) { return DecodeSome(utf8, index, out); });
   return text;
 }
 
