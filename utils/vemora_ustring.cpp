@@ -87,41 +87,10 @@ unsigned FindNonAscii(__m128i units) {
   return static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(units, 8)));
 }
 
-/// Widens ASCII, which no locale changes; false, with `units` of no use, for other text.
-bool WidenAscii(const char* text, std::size_t length, CodeUnit* units) {
-  constexpr std::size_t kStep = 8;
-  if (length >= kStep) {
-    const std::size_t last = length - kStep;
-    __m128i seen = WidenEight(text + last, units + last);
-    for (std::size_t index = 0; index < last; index += kStep) {
-      seen = _mm_or_si128(seen, WidenEight(text + index, units + index));
-    }
-    return FindNonAscii(seen) == 0;
-  }
-  unsigned few = 0;
-  for (std::size_t index = 0; index < length; ++index) {
-    units[index] = static_cast<unsigned char>(text[index]);
-    few |= units[index];
-  }
-  return few < 0x80;
-}
-
-/// As `WidenAscii`. The text goes through a buffer, for a string can grow only by what is filled in
-/// already.
-bool AssignAscii(std::basic_string<CodeUnit>& wide, const char* text, std::size_t length) {
-  constexpr std::size_t kBlock = 128;
-  std::array<CodeUnit, kBlock> block;
-  if (length > kBlock) {
-    wide.reserve(length);
-  }
-  for (std::size_t index = 0; index < length; index += kBlock) {
-    const std::size_t count = std::min(length - index, kBlock);
-    if (!WidenAscii(text + index, count, block.data())) {
-      return false;
-    }
-    wide.append(block.data(), count);
-  }
-  return true;
+/// Widens ASCII, which no locale changes.
+std::basic_string<CodeUnit> FromAscii(const char* text, std::size_t length) {
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
+  return {bytes, bytes + length};
 }
 
 /// Number of leading bytes that the current locale can convert.
@@ -180,6 +149,13 @@ std::wstring ToWide(const vemora_ustring& text) {
     }
     return wide;
   }
+}
+
+/// @param text may be null
+std::basic_string<CodeUnit> FromMultibyte(const char* text) {
+  const std::size_t length = text != nullptr ? std::strlen(text) : 0;
+  return CountAscii(text, length) == length ? FromAscii(text, length)
+                                            : FromWide(WideFromMultibyte(text));
 }
 
 /// How a lead byte begins a sequence: its length, the bits it contributes, and the range of the
@@ -291,21 +267,13 @@ vemora_ustring& vemora_ustring::operator=(const CodeUnit* text) {
   return *this = vemora_ustring(text);
 }
 
-vemora_ustring::vemora_ustring(const char* text) {
-  if (text != nullptr && !AssignAscii(*this, text, std::strlen(text))) {
-    *this = FromWide(WideFromMultibyte(text));
-  }
-}
+vemora_ustring::vemora_ustring(const char* text) : Base(FromMultibyte(text)) {}
 
 vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vemora_ustring(text); }
 
 vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
-  vemora_ustring text;
-  if (AssignAscii(text, utf8.data(), utf8.size())) {
-    return text;
-  }
-  text.clear();
-  std::size_t index = 0;
+  std::size_t index = CountAscii(utf8.data(), utf8.size());
+  vemora_ustring text = FromAscii(utf8.data(), index);
   AppendUnits(
       text, [&] { return index < utf8.size(); },
       [&](CodeUnit* out) { return DecodeSome(utf8, index, out); });
