@@ -73,20 +73,6 @@ void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
   }
 }
 
-/// Eight bytes as units.
-/// @return the units
-__m128i WidenEight(const char* text, CodeUnit* units) {
-  const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
-  const __m128i eight = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(units), eight);
-  return eight;
-}
-
-/// A bit for each of eight units below 256 that is not ASCII, at every other place.
-unsigned FindNonAscii(__m128i units) {
-  return static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(units, 8)));
-}
-
 /// Widens ASCII, which no locale changes.
 std::basic_string<CodeUnit> FromAscii(const char* text, std::size_t length) {
   const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
@@ -206,8 +192,11 @@ char32_t DecodeUtf8(std::string_view utf8, std::size_t& index) {
 CodeUnit* DecodeSome(std::string_view utf8, std::size_t& index, CodeUnit* out) {
   constexpr std::size_t kStep = 8;
   if (utf8.size() - index >= kStep) {
-    const unsigned others = FindNonAscii(WidenEight(&utf8[index], out));
-    const std::size_t ascii = others != 0 ? CountTrailingZeros(others) / sizeof(CodeUnit) : kStep;
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&utf8[index]));
+    const __m128i units = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), units);
+    const auto others = static_cast<unsigned>(_mm_movemask_epi8(bytes));
+    const std::size_t ascii = others != 0 ? CountTrailingZeros(others) : kStep;
     if (ascii != 0) {
       index += ascii;
       return out + ascii;
