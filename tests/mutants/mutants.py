@@ -60,6 +60,7 @@ UNITS = {
     "prefs/ShareLevelTable.cpp": native("ShareLevelTable_test"),
     "prefs/SlotTable.cpp": native("SlotTable_test"),
     "prefs/ValueCache.cpp": native("PreferencesBase_test", "ValueCache_test"),
+    "utils/Ascii.h": native("vemora_ustring_test"),
     "utils/CaseFolding.h": native("FoldedName_test"),
     "utils/DecimalText.cpp": native("DecimalText_test"),
     "utils/Dictionary.cpp": native("Dictionary_test"),
