@@ -114,6 +114,14 @@ def store_operations():
     yield from noise("store_operations")
 
 
+def protected_saves():
+    # Write, save, load, damage and delete the files, by either store.
+    for middle in ([1, 7], [1, 4], [0, 5, 0], [0, 5, 1], [1, 6], [1, 3, 0], [1, 2, 0, 0, 2]):
+        yield bytes([0, 0, 0, 0, 2, 5, 0, 7, 1, 4, 1, 1, 1, 1, 3, 6, 1, 7] + middle +
+                    [0, 0, 1, 1, 3, 9, 0, 7, 1, 7, 0, 4])
+    yield from noise("protected_saves")
+
+
 def variant():
     yield bytes(itertools.chain.from_iterable(
         [5, 0, 0, 2, 0, 1, operation, 0, 1, 0, 0, 0] for operation in range(10)))
@@ -132,8 +140,8 @@ def noise(seed):
 
 
 def main():
-    for target in (store_files, json_text, utf8, store_operations, variant, comparisons,
-                   path_text):
+    for target in (store_files, json_text, utf8, store_operations, protected_saves, variant,
+                   comparisons, path_text):
         folder = pathlib.Path(sys.argv[1]) / target.__name__
         folder.mkdir(parents=True, exist_ok=True)
         for old in folder.iterdir():
