@@ -157,13 +157,13 @@ class Machine {
   void Save(OpenStore& store, Parts& parts) {
     store.SavePreferences();
     Check(vemora::prefs::GetLastSaveResult().result == vemora::prefs::ESaveResult::kSaved,
-            "a save succeeds");
+          "a save succeeds");
     for (std::size_t index = 0; index < kFileCount; ++index) {
       File& file = files_[index];
       Part& part = parts[index];
       if (!file.damaged.empty()) {
         Check(ReadFile(file.path + vemora_ustring(".bad")) == file.damaged,
-                "what a damaged file held is kept");
+              "what a damaged file held is kept");
         file.damaged.clear();
       }
       if (file.level.has_value()) {
@@ -195,13 +195,13 @@ class Machine {
     for (std::size_t level = 0; level < kFileCount; ++level) {
       const Level& expected = parts[level].level;
       Check(store.IsLevelEmpty(static_cast<EShareLevel>(level)) == expected.empty(),
-              "a level is empty when the model's is");
+            "a level is empty when the model's is");
       for (const vemora_ustring& category : kNames) {
         for (const vemora_ustring& key : kNames) {
           const auto found = expected.find({Fold(category), Fold(key)});
           Check(store.ReadAny(level, category, key) ==
-                      (found != expected.end() ? Value(found->second) : Value()),
-                  "a preference reads as in the model");
+                    (found != expected.end() ? Value(found->second) : Value()),
+                "a preference reads as in the model");
         }
       }
     }

@@ -141,19 +141,17 @@ CodeUnit FirstFolded(std::string_view utf8) {
       vemora_ustring::FromUtf8({start, static_cast<std::size_t>(end - start)}).front());
 }
 
-/// How many bytes at the start are ASCII and equal but for their case, or a few less.
-std::size_t CountEqualAscii(const char* left, const char* right, std::size_t length) {
+/// How many bytes at the start are equal but for the case of ASCII letters, or a few less.
+std::size_t CountEqual(const char* left, const char* right, std::size_t length) {
   constexpr std::size_t kStep = 8;
   const auto load = [](const char* text) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
   };
   std::size_t index = 0;
   for (; index + kStep <= length; index += kStep) {
-    const __m128i a = load(left + index);
-    const __m128i b = load(right + index);
-    const __m128i equal = _mm_cmpeq_epi8(utils::FoldAscii(a), utils::FoldAscii(b));
-    const auto bits = [](__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); };
-    if (const unsigned others = ~bits(_mm_andnot_si128(_mm_or_si128(a, b), equal)) & 0xFF) {
+    const __m128i equal =
+        _mm_cmpeq_epi8(utils::FoldAscii(load(left + index)), utils::FoldAscii(load(right + index)));
+    if (const unsigned others = ~static_cast<unsigned>(_mm_movemask_epi8(equal)) & 0xFF) {
       return index + utils::CountTrailingZeros(others);
     }
   }
@@ -288,7 +286,7 @@ bool FoldedName::EqualsMiddle(const char* ascii) const {
 
 int CompareNames(std::string_view left, std::string_view right) {
   const std::size_t common = std::min(left.size(), right.size());
-  std::size_t index = CountEqualAscii(left.data(), right.data(), common);
+  std::size_t index = CountEqual(left.data(), right.data(), common);
   for (; index < common; ++index) {
     const auto a = static_cast<unsigned char>(left[index]);
     const auto b = static_cast<unsigned char>(right[index]);

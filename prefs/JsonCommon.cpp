@@ -358,14 +358,7 @@ void JsonCommon::WriteValueToMaps(const vemora_ustring& category, const vemora_u
 
 bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring& key,
                            const PrefsData& data) {
-  const FoldedPair pair(category, key);
-  const std::optional<EShareLevel> known = levelData.Find(pair);
-  levelData.Set(pair, data.level);
-  Preference* const displaced = known.has_value() ? levels[Usable(*known)].Find(pair) : nullptr;
-  if (displaced != nullptr) {
-    displaced->SetAtHome(false);
-  }
-  return !known.has_value();
+  return levelData.Set({category, key}, data.level);
 }
 
 void JsonCommon::LoadLevelData() { SetClassification(Classification::MakeBuiltIn()); }

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "locale_support.h"
 #include "support.h"
 #include "utils/vemora_ustring.h"
 
@@ -100,7 +101,24 @@ TEST(FoldedName, TakesNoOtherNameForAnAsciiOne) {
   }
 }
 
-TEST(FoldedName, EqualsTheImageOfAnEqualName) {
+/// In the C locale, and in one in which letters beyond ASCII have case.
+class InLocale : public ::testing::TestWithParam<const char*> {
+  const testing::ScopedLocale locale_{GetParam()};
+};
+
+using FoldedNameInLocale = InLocale;
+using CompareNamesInLocale = InLocale;
+
+#if defined(_WIN32)
+const auto locales = ::testing::Values("C", "German_Germany.1252");
+#else
+const auto locales = ::testing::Values("C", "C.UTF-8");
+#endif
+
+INSTANTIATE_TEST_SUITE_P(Locales, FoldedNameInLocale, locales);
+INSTANTIATE_TEST_SUITE_P(Locales, CompareNamesInLocale, locales);
+
+TEST_P(FoldedNameInLocale, EqualsTheImageOfAnEqualName) {
   for (const std::string& name :
        {std::string("\xC3\x84rger"), std::string("\xE6\x97\xA5\xE6\x9C\xAC"),
         "\xF0\x9F\x98\x80 " + Lower(60)}) {
@@ -114,24 +132,40 @@ TEST(FoldedName, EqualsTheImageOfAnEqualName) {
   }
 }
 
-TEST(FoldedName, OfAnyLengthWithAnUmlautAnywhereEqualsWhatCompareNoCaseTakesForEqual) {
-  constexpr std::size_t kLongestWithUmlaut = 60;
-  const std::string umlaut = "\xC3\xA4";
-  for (std::size_t length = 0; length < kLongestWithUmlaut; ++length) {
+/// Checks names of any length, with the foreign letters at any place.
+void ExpectEqualToWhatCompareNoCaseTakesForEqual(const std::string& foreign,
+                                                 const std::vector<std::string>& others) {
+  constexpr std::size_t kLongestAround = 60;
+  for (std::size_t length = 0; length < kLongestAround; ++length) {
     for (std::size_t place = 0; place <= length; ++place) {
-      const std::string lower = Lower(length).insert(place, umlaut);
-      const FoldedName folded = FromText(lower);
+      const std::string name = Lower(length).insert(place, foreign);
+      const FoldedName folded = FromText(name);
       EXPECT_FALSE(folded.IsNameAscii());
-      for (const std::string& other :
-           {lower, Upper(length).insert(place, umlaut), Lower(length).insert(place, "\xC3\x84"),
-            Lower(length).insert(place, "\xC3\xA5"),
-            Lower(length).insert(length - place, umlaut)}) {
-        const bool equal = Utf8(lower).CompareNoCase(Utf8(other)) == 0;
-        EXPECT_EQ(folded == FromText(other), equal) << lower << " and " << other;
-        EXPECT_EQ(folded == FromStored(other), equal) << lower << " and " << other;
+      std::vector<std::string> names = {name, Upper(length).insert(place, foreign),
+                                        Lower(length).insert(length - place, foreign)};
+      for (const std::string& other : others) {
+        names.push_back(Lower(length).insert(place, other));
+      }
+      for (const std::string& other : names) {
+        const bool equal = Utf8(name).CompareNoCase(Utf8(other)) == 0;
+        EXPECT_EQ(folded == FromText(other), equal) << name << " and " << other;
+        EXPECT_EQ(folded == FromStored(other), equal) << name << " and " << other;
       }
     }
   }
+}
+
+TEST_P(FoldedNameInLocale, WithAnUmlautEqualsWhatCompareNoCaseTakesForEqual) {
+  ExpectEqualToWhatCompareNoCaseTakesForEqual("\xC3\xA4", {"\xC3\x84", "\xC3\xA5"});
+}
+
+TEST_P(FoldedNameInLocale, WithUmlautsSideBySideEqualsWhatCompareNoCaseTakesForEqual) {
+  ExpectEqualToWhatCompareNoCaseTakesForEqual(
+      "\xC3\xA4\xC3\xB6", {"\xC3\x84\xC3\x96", "\xC3\x84\xC3\xB6", "\xC3\xA4\xC3\xA4"});
+}
+
+TEST_P(FoldedNameInLocale, WithALetterThatFoldsIntoAsciiEqualsWhatCompareNoCaseTakesForEqual) {
+  ExpectEqualToWhatCompareNoCaseTakesForEqual("\xC5\xBF", {"s", "S", "t"});
 }
 
 TEST(FoldedPair, HasAnotherHashWhenTheNamesChangePlaces) {
@@ -172,7 +206,7 @@ void ExpectOrderOfCompareNoCase(const std::vector<std::string>& names) {
   }
 }
 
-TEST(CompareNames, OrdersAsCompareNoCaseDoes) {
+TEST_P(CompareNamesInLocale, OrdersAsCompareNoCaseDoes) {
   const std::vector<std::string> names = {"",
                                           std::string("\0", 1),
                                           "a",
@@ -204,7 +238,7 @@ TEST(CompareNames, OrdersAsCompareNoCaseDoes) {
   ExpectOrderOfCompareNoCase(names);
 }
 
-TEST(CompareNames, OrdersByTheFirstDifferenceWhereverItIs) {
+TEST_P(CompareNamesInLocale, OrdersByTheFirstDifferenceWhereverItIs) {
   constexpr std::size_t kLongestPrefix = 18;
   std::vector<std::string> names;
   for (std::size_t length = 0; length <= kLongestPrefix; ++length) {
@@ -216,7 +250,7 @@ TEST(CompareNames, OrdersByTheFirstDifferenceWhereverItIs) {
   ExpectOrderOfCompareNoCase(names);
 }
 
-TEST(CompareNames, OrdersAnyCharactersAsCompareNoCaseDoes) {
+TEST_P(CompareNamesInLocale, OrdersAnyCharactersAsCompareNoCaseDoes) {
   ExpectOrderOfCompareNoCase(
       Concatenate({"s", "S", "z", "\xC3\x84", "\xC3\xA4", "\xC5\xBF", "\xED\xA0\x80",
                    "\xED\xB0\x80", "\xEF\xBF\xBD", "\xEF\xBF\xBF", "\xF0\x90\x80\x80"},

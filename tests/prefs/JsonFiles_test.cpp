@@ -726,25 +726,45 @@ TEST_F(JsonFilesRoundTrip, KeepsEveryCodeUnitInAValue) {
   EXPECT_TRUE(loaded.ReadString("C", "key", "") == text);
 }
 
-TEST_F(JsonFilesRoundTrip, KeepsACharacterThatIsEscapedAtEachPlace) {
+/// Texts of any length with a character that is escaped at any place, and their spellings.
+std::vector<std::pair<std::string, std::string>> TextsWithAnEscape() {
   constexpr std::size_t kLongest = 40;
-  std::vector<vemora_ustring> texts;
+  std::vector<std::pair<std::string, std::string>> texts;
   for (std::size_t length = 0; length <= kLongest; ++length) {
     for (std::size_t place = 0; place <= length; ++place) {
-      for (const char special : {'"', '\\', '\n', '\x1F'}) {
-        std::string text(length, 'x');
-        text.insert(place, 1, special);
-        texts.emplace_back(text.c_str());
+      for (const auto& [special, escape] :
+           {std::pair("\"", "\\\""), {"\\", "\\\\"}, {"\n", "\\n"}, {"\x1F", "\\u001F"}}) {
+        const std::string plain(length, 'x');
+        texts.emplace_back(std::string(plain).insert(place, special),
+                           std::string(plain).insert(place, escape));
       }
     }
   }
+  return texts;
+}
+
+TEST_F(JsonFilesRoundTrip, KeepsACharacterThatIsEscapedAtEachPlace) {
+  const auto texts = TextsWithAnEscape();
   for (std::size_t index = 0; index < texts.size(); ++index) {
-    store.WriteString("C", std::to_string(index).c_str(), texts[index]);
+    store.WriteString("C", std::to_string(index).c_str(), texts[index].first.c_str());
   }
   OpenStore loaded;
   Reload(loaded);
   for (std::size_t index = 0; index < texts.size(); ++index) {
-    EXPECT_EQ(loaded.ReadString("C", std::to_string(index).c_str(), "none"), texts[index]);
+    EXPECT_EQ(loaded.ReadString("C", std::to_string(index).c_str(), "none"),
+              vemora_ustring(texts[index].first.c_str()));
+  }
+}
+
+TEST_F(JsonFilesRoundTrip, EscapesNoCharacterBesideOneThatIsEscaped) {
+  const auto texts = TextsWithAnEscape();
+  for (std::size_t index = 0; index < texts.size(); ++index) {
+    store.WriteString("C", std::to_string(index).c_str(), texts[index].first.c_str());
+  }
+  const std::string saved = SavePrivate();
+  for (std::size_t index = 0; index < texts.size(); ++index) {
+    const std::string line = "\"" + std::to_string(index) + "\": \"" + texts[index].second + "\"";
+    EXPECT_NE(saved.find(line), std::string::npos) << line;
   }
 }
 

@@ -317,6 +317,18 @@ TEST(FromUtf8, KeepsOtherCharactersWhereverTheyStandInAscii) {
   }
 }
 
+TEST(FromUtf8, ReplacesAStrayByteWhereverItStandsInAscii) {
+  for (std::size_t before = 0; before <= 140; ++before) {
+    for (std::size_t behind = 0; behind <= 17; ++behind) {
+      Units units(before, 'a');
+      units.push_back(0xFFFD);
+      units.insert(units.end(), behind, 'b');
+      ASSERT_EQ(ToUnits(Utf8(std::string(before, 'a') + '\xFF' + std::string(behind, 'b'))), units)
+          << before << " before, " << behind << " behind";
+    }
+  }
+}
+
 struct Malformed {
   std::string bytes;
   Units expected;
