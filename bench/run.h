@@ -76,8 +76,8 @@ benchmark::internal::Benchmark* Register(const std::string& workload, Size size,
 }
 
 /// A library that leaves the upper halves of the vector registers in use makes all SSE code slow
-/// that runs after it, and most of what is measured here is such code: each benchmark begins
-/// without.
+/// that runs after it, and most of what is measured here is such code: each benchmark of a store
+/// begins without.
 void ClearVectorRegisters();
 
 /// The store of that kind and size, filled by its first user.

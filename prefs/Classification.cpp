@@ -48,7 +48,7 @@ bool Classification::Set(const FoldedPair& pair, EShareLevel level) {
 
 /// Pairs whose hashes begin alike share the guess.
 void Classification::SetGuess(std::uint32_t hash, EShareLevel level) noexcept {
-  // A level beyond the last stays one.
+  // All levels beyond the last count as the one behind it.
   const std::uint32_t usable = std::min<std::uint32_t>(level, kShareLevelCount);
   const auto own = static_cast<std::uint8_t>(usable + 1);
   std::uint8_t& guess = guesses_[IndexOf(hash)];

@@ -23,7 +23,7 @@ class Classification {
   /// Nothing for an unknown pair.
   std::optional<EShareLevel> Find(const FoldedPair& pair) const;
 
-  /// A guess when known pairs of several levels have hashes like that one.
+  /// A guess when known pairs with hashes like that one are, or were, of several levels.
   static constexpr auto kUnsure = static_cast<EShareLevel>(kShareLevelCount + 1);
 
   /// The level of the pair with that hash, provided that it is known, or `kUnsure`. Its names are
@@ -46,8 +46,8 @@ class Classification {
   void SetGuess(std::uint32_t hash, EShareLevel level) noexcept;
 
   PreferenceMap levels_;  // as whole numbers
-  /// Levels, counted from 1. Far more than there are known pairs, for most names that are looked
-  /// for are none of these.
+  /// Levels, counted from 1, and `kUnsure`. Far more than there are known pairs, for most names
+  /// that are looked for are none of these.
   std::vector<std::uint8_t> guesses_;
 };
 

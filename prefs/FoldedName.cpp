@@ -39,7 +39,7 @@ __m128i LoadSeed(std::size_t first) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(&seed.numbers[first]));
 }
 
-/// The products of the halves of both words, to which the seed is added.
+/// The products of the halves of both words. The seed is added to the halves first.
 __m128i MultiplyHalves(__m128i words, std::size_t first_seed) {
   const __m128i sums = _mm_add_epi32(words, LoadSeed(first_seed));
   return _mm_mul_epu32(sums, _mm_srli_epi64(sums, 32));
@@ -50,8 +50,8 @@ Word AddToHash(Word hash, Word word) {
   return (mixed ^ mixed >> 32) * 0x9E3779B97F4A7C15;
 }
 
-/// Eight characters twice, as bytes: of UTF-8, only ASCII comes out as it is. What is not ASCII
-/// leaves a trace in the 16-bit units of `seen`.
+/// Eight characters twice, as bytes, which are of use as long as all is ASCII: what is not leaves a
+/// trace in the 16-bit units of `seen`.
 /// @{
 __m128i Narrow(const CodeUnit* left, const CodeUnit* right, __m128i& seen) {
   const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(left));
@@ -60,9 +60,7 @@ __m128i Narrow(const CodeUnit* left, const CodeUnit* right, __m128i& seen) {
   return _mm_packus_epi16(first, last);
 }
 __m128i Narrow(const char* left, const char* right, __m128i& seen) {
-  const __m128i bytes =
-      _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(left)),
-                         _mm_loadl_epi64(reinterpret_cast<const __m128i*>(right)));
+  const __m128i bytes = _mm_unpacklo_epi64(utils::LoadEight(left), utils::LoadEight(right));
   seen = _mm_or_si128(seen, _mm_and_si128(bytes, _mm_set1_epi8(-0x80)));
   return bytes;
 }
@@ -141,16 +139,14 @@ CodeUnit FirstFolded(std::string_view utf8) {
       vemora_ustring::FromUtf8({start, static_cast<std::size_t>(end - start)}).front());
 }
 
-/// How many bytes at the start are equal but for the case of ASCII letters, or a few less.
+/// How many bytes at the start are equal but for the case of ASCII letters, or a few fewer.
 std::size_t CountEqual(const char* left, const char* right, std::size_t length) {
   constexpr std::size_t kStep = 8;
-  const auto load = [](const char* text) {
-    return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(text));
-  };
   std::size_t index = 0;
   for (; index + kStep <= length; index += kStep) {
-    const __m128i equal =
-        _mm_cmpeq_epi8(utils::FoldAscii(load(left + index)), utils::FoldAscii(load(right + index)));
+    const __m128i a = utils::FoldAscii(utils::LoadEight(left + index));
+    const __m128i b = utils::FoldAscii(utils::LoadEight(right + index));
+    const __m128i equal = _mm_cmpeq_epi8(a, b);
     if (const unsigned others = ~static_cast<unsigned>(_mm_movemask_epi8(equal)) & 0xFF) {
       return index + utils::CountTrailingZeros(others);
     }
@@ -252,7 +248,8 @@ void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
     SetBytes(bytes, length * sizeof(CodeUnit), false);
     return;
   }
-  std::copy(folded, folded + length, bytes);
+  std::transform(folded, folded + length, bytes,
+                 [](CodeUnit unit) { return static_cast<char>(unit); });
   std::fill(bytes + length, bytes + length * sizeof(CodeUnit), '\0');
   SetBytes(bytes, length, true);
 }

@@ -88,12 +88,8 @@ class FoldedName {
   /// @param bytes at least eight
   static Ends LoadEnds(const char* bytes, std::size_t length) {
     return MakeEnds(bytes, length, [](const char* left, const char* right) {
-      return _mm_unpacklo_epi64(LoadEight(left), LoadEight(right));
+      return _mm_unpacklo_epi64(utils::LoadEight(left), utils::LoadEight(right));
     });
-  }
-
-  static __m128i LoadEight(const void* bytes) {
-    return _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
   }
 
   static Word ToWord(__m128i eight) { return static_cast<Word>(_mm_cvtsi128_si64(eight)); }

@@ -397,7 +397,8 @@ const vemora_ustring& JsonCommon::GetPathOfLock() const {
 
 /// Whether nobody has overridden `GetLevel`, so that its answer can be had without the call.
 bool JsonCommon::ClassifiesByTable() const {
-  // By address, which is fast: where it fails for a class of that name, the call is made.
+  // By address, which is fast: two copies of a type_info are unequal then, which only costs the
+  // call.
   const std::type_info* const type = &typeid(*this);
   return type == &typeid(PreferencesJson) || type == &typeid(JsonCommon);
 }
@@ -415,25 +416,27 @@ EShareLevel JsonCommon::LevelOf(const FoldedPair& pair) {
 }
 
 JsonCommon::Place JsonCommon::Locate(const FoldedPair& pair) {
-  std::optional<EShareLevel> guess = Classification::kUnsure;
-  if (ClassifiesByTable()) {
-    guess = levelData.Guess(pair.hash);
+  const auto look_in = [this, &pair](EShareLevel level) -> Place {
+    return {levels[level], levels[level].Find(pair)};
+  };
+  if (!ClassifiesByTable()) {
+    return look_in(LevelOf(pair));
   }
+  const std::optional<EShareLevel> guess = levelData.Guess(pair.hash);
   if (guess != Classification::kUnsure) {
-    PreferenceMap& level = levels[Usable(guess.has_value() ? *guess : GetDefaultShareLevel())];
-    Preference* const found = level.Find(pair);
-    if (!guess.has_value() || (found != nullptr && found->IsAtHome())) {
-      return {level, found};
+    const Place place = look_in(Usable(guess.has_value() ? *guess : GetDefaultShareLevel()));
+    if (!guess.has_value() || (place.preference != nullptr && place.preference->IsAtHome())) {
+      return place;
     }
   }
-  const EShareLevel exact = LevelOf(pair);
-  Preference* const found = levels[exact].Find(pair);
-  // The next time, the guess need not be looked into. Only a known pair has a home: that of another
+  const std::optional<EShareLevel> known = levelData.Find(pair);
+  const Place place = look_in(Usable(known.value_or(GetDefaultShareLevel())));
+  // The next time, a guess need not be looked into. Only a known pair has a home: that of another
   // is wherever the default level happens to be.
-  if (found != nullptr && guess == exact && levelData.Find(pair).has_value()) {
-    found->SetAtHome(true);
+  if (place.preference != nullptr && known.has_value()) {
+    place.preference->SetAtHome(true);
   }
-  return {levels[exact], found};
+  return place;
 }
 
 /// Stores the entries of a dictionary in `maps`, each at its own level.

@@ -2,6 +2,8 @@
 /// Memory eight bytes at a time, and bits. Internal to the library.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <cstdint>
 #include <cstring>
 
@@ -16,6 +18,11 @@ inline std::uint64_t LoadWord(const void* bytes) {
   std::uint64_t word = 0;
   std::memcpy(&word, bytes, sizeof(word));
   return word;
+}
+
+/// The same in the lower half of a register.
+inline __m128i LoadEight(const void* bytes) {
+  return _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
 }
 
 /// How many of the lowest bits are not set; there is one that is.

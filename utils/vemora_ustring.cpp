@@ -140,8 +140,10 @@ std::wstring ToWide(const vemora_ustring& text) {
 /// @param text may be null
 std::basic_string<CodeUnit> FromMultibyte(const char* text) {
   const std::size_t length = text != nullptr ? std::strlen(text) : 0;
-  return CountAscii(text, length) == length ? FromAscii(text, length)
-                                            : FromWide(WideFromMultibyte(text));
+  if (CountAscii(text, length) == length) {
+    return FromAscii(text, length);
+  }
+  return FromWide(WideFromMultibyte(text));
 }
 
 /// How a lead byte begins a sequence: its length, the bits it contributes, and the range of the
@@ -186,13 +188,13 @@ char32_t DecodeUtf8(std::string_view utf8, std::size_t& index) {
   return point;
 }
 
-/// Decodes eight bytes of ASCII, or fewer up to the next other sequence, which it decodes instead
-/// where it comes first.
+/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else one code point, where
+/// that comes first or where fewer than eight bytes are left.
 /// @return behind the units that it wrote
 CodeUnit* DecodeSome(std::string_view utf8, std::size_t& index, CodeUnit* out) {
   constexpr std::size_t kStep = 8;
   if (utf8.size() - index >= kStep) {
-    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&utf8[index]));
+    const __m128i bytes = LoadEight(&utf8[index]);
     const __m128i units = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
     _mm_storeu_si128(reinterpret_cast<__m128i*>(out), units);
     const auto others = static_cast<unsigned>(_mm_movemask_epi8(bytes));

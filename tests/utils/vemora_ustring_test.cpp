@@ -305,9 +305,11 @@ TEST(FromUtf8, RoundTripsLoneSurrogatesInAnyCompany) {
 TEST(FromUtf8, KeepsOtherCharactersWhereverTheyStandInAscii) {
   for (std::size_t before = 0; before <= 140; ++before) {
     for (std::size_t between = 0; between <= 17; ++between) {
-      const std::string utf8 = std::string(before, 'a') + "\xD0\x96" + std::string(between, 'b') +
-                               "\xF0\x9F\x98\x80" + std::string(between, 'c');
-      Units units(before, 'a');
+      const std::string utf8 = "\xC3\xA4" + std::string(before, 'a') + "\xD0\x96" +
+                               std::string(between, 'b') + "\xF0\x9F\x98\x80" +
+                               std::string(between, 'c');
+      Units units = {0xE4};
+      units.insert(units.end(), before, 'a');
       units.push_back(0x416);
       units.insert(units.end(), between, 'b');
       units.insert(units.end(), {0xD83D, 0xDE00});
