@@ -87,7 +87,9 @@ class Machine {
     while (!input_.IsEmpty()) {
       const std::size_t current = input_.TakeBelow(stores_.size());
       Step(stores_[current], parts_[current]);
-      CheckStore(stores_[current], parts_[current]);
+    }
+    for (std::size_t store = 0; store < stores_.size(); ++store) {
+      CheckStore(stores_[store], parts_[store]);
     }
   }
 
@@ -118,7 +120,7 @@ class Machine {
     const std::size_t level = input_.TakeBelow(kFileCount);
     const vemora_ustring& category = TakeName();
     const vemora_ustring& key = TakeName();
-    const int value = input_.Take<std::int8_t>();
+    const int value = input_.Take<std::uint8_t>();
     const vemora::prefs::ShareLevelOverride guard(static_cast<EShareLevel>(level));
     store.WriteInt(category, key, value);
     parts[level].level[{Fold(category), Fold(key)}] = value;
@@ -152,6 +154,7 @@ class Machine {
         parts[index] = {*files_[index].level, {}, {}, {}};
       }
     }
+    CheckStore(store, parts);
   }
 
   void Save(OpenStore& store, Parts& parts) {
@@ -174,6 +177,7 @@ class Machine {
       part = {*file.level, {}, {}, {}};
     }
     ReadSavedFiles(kPrivateFile, kSharedFile);
+    CheckStore(store, parts);
   }
 
   void Damage() {

@@ -139,7 +139,10 @@ std::wstring ToWide(const vemora_ustring& text) {
 
 /// @param text may be null
 std::basic_string<CodeUnit> FromMultibyte(const char* text) {
-  const std::size_t length = text != nullptr ? std::strlen(text) : 0;
+  if (text == nullptr) {
+    return {};
+  }
+  const std::size_t length = std::strlen(text);
   if (CountAscii(text, length) == length) {
     return FromAscii(text, length);
   }
