@@ -3,6 +3,7 @@
 #include <rapidjson/document.h>
 
 #include <clocale>
+#include <cwctype>
 #include <memory>
 
 #include "utils/Files.h"
@@ -52,6 +53,19 @@ void AppendFile(const vemora_ustring& path, std::size_t first_level, std::size_t
 void UseUnicodeLocale() {
   static const bool is_set = std::setlocale(LC_ALL, "C.UTF-8") != nullptr;
   Check(is_set, "the system has the locale C.UTF-8");
+}
+
+Folded Fold(const vemora_ustring& name) {
+  Folded folded = name;
+  for (CodeUnit& unit : folded) {
+    const bool surrogate = unit >= 0xD800 && unit <= 0xDFFF;
+    unit = surrogate ? unit : static_cast<CodeUnit>(std::towupper(unit));
+  }
+  return folded;
+}
+
+FoldedNames Fold(const vemora_ustring& category, const vemora_ustring& key) {
+  return {Fold(category), Fold(key)};
 }
 
 std::optional<std::string> ReadFile(const vemora_ustring& path) {

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -89,6 +90,13 @@ class Input {
  private:
   std::string_view rest_;
 };
+
+/// A name as `CompareNoCase` sees it, and those of a preference: category and key.
+using Folded = std::basic_string<CodeUnit>;
+using FoldedNames = std::pair<Folded, Folded>;
+
+Folded Fold(const vemora_ustring& name);
+FoldedNames Fold(const vemora_ustring& category, const vemora_ustring& key);
 
 /// The bits of a double: unlike the double, equal to themselves whatever they are.
 using Bits = std::uint64_t;

@@ -1,12 +1,9 @@
 // Two stores that save the same files in the protected mode, beside a model: neither loses what the
 // other saved, and of a damaged file nothing is lost either.
-#include <algorithm>
 #include <array>
-#include <cwctype>
 #include <map>
 #include <optional>
 #include <set>
-#include <utility>
 
 #include "fuzz/fuzz_support.h"
 #include "prefs/PreferencesDefaults.h"
@@ -22,17 +19,7 @@ const std::array<vemora_ustring, 6> kNames = {
     vemora_ustring(),       vemora_ustring::FromUtf8("\xC3\x89"),
 };
 
-using Folded = std::basic_string<CodeUnit>;
-
-Folded Fold(const vemora_ustring& name) {
-  Folded folded = name;
-  std::transform(folded.begin(), folded.end(), folded.begin(),
-                 [](CodeUnit unit) { return static_cast<CodeUnit>(std::towupper(unit)); });
-  return folded;
-}
-
-/// Values by category and key.
-using Level = std::map<std::pair<Folded, Folded>, int>;
+using Level = std::map<FoldedNames, int>;
 
 void EraseCategory(Level& level, const Folded& category) {
   auto first = level.lower_bound({category, {}});
@@ -44,8 +31,8 @@ void EraseCategory(Level& level, const Folded& category) {
 /// What a store holds of one file, and how that differs from the file.
 struct Part {
   Level level;
-  std::set<std::pair<Folded, Folded>> changed;
-  std::set<std::pair<Folded, Folded>> erased;
+  std::set<FoldedNames> changed;
+  std::set<FoldedNames> erased;
   std::set<Folded> erased_categories;
 
   void ApplyChangesTo(Level& other) const {
@@ -123,8 +110,8 @@ class Machine {
     const int value = input_.Take<std::uint8_t>();
     const vemora::prefs::ShareLevelOverride guard(static_cast<EShareLevel>(level));
     store.WriteInt(category, key, value);
-    parts[level].level[{Fold(category), Fold(key)}] = value;
-    parts[level].changed.insert({Fold(category), Fold(key)});
+    parts[level].level[Fold(category, key)] = value;
+    parts[level].changed.insert(Fold(category, key));
   }
 
   void DeletePreference(OpenStore& store, Parts& parts) {
@@ -133,8 +120,8 @@ class Machine {
     const vemora_ustring& key = TakeName();
     const vemora::prefs::ShareLevelOverride guard(static_cast<EShareLevel>(level));
     store.DeletePreference(category, key);
-    parts[level].level.erase({Fold(category), Fold(key)});
-    parts[level].erased.insert({Fold(category), Fold(key)});
+    parts[level].level.erase(Fold(category, key));
+    parts[level].erased.insert(Fold(category, key));
   }
 
   void DeleteCategory(OpenStore& store, Parts& parts) {
@@ -202,7 +189,7 @@ class Machine {
             "a level is empty when the model's is");
       for (const vemora_ustring& category : kNames) {
         for (const vemora_ustring& key : kNames) {
-          const auto found = expected.find({Fold(category), Fold(key)});
+          const auto found = expected.find(Fold(category, key));
           Check(store.ReadAny(level, category, key) ==
                     (found != expected.end() ? Value(found->second) : Value()),
                 "a preference reads as in the model");

@@ -2,7 +2,6 @@
 // front, and snapshots of them for files.
 #include <algorithm>
 #include <cmath>
-#include <cwctype>
 #include <deque>
 #include <map>
 #include <memory>
@@ -34,15 +33,6 @@ struct Category {
 };
 
 using Categories = std::vector<Category>;
-
-std::basic_string<CodeUnit> Fold(const vemora_ustring& name) {
-  std::basic_string<CodeUnit> folded = name;
-  for (CodeUnit& unit : folded) {
-    const bool surrogate = unit >= 0xD800 && unit <= 0xDFFF;
-    unit = surrogate ? unit : static_cast<CodeUnit>(std::towupper(unit));
-  }
-  return folded;
-}
 
 bool IsSame(const vemora_ustring& left, const vemora_ustring& right) {
   return Fold(left) == Fold(right);
@@ -97,18 +87,17 @@ const std::vector<ShareLevelEntry>& ClassifiedPreferences() {
 /// The level of a classified preference of this platform, the last one of the table counting.
 std::optional<std::size_t> ClassifiedLevel(const vemora_ustring& category,
                                            const vemora_ustring& key) {
-  using Key = std::pair<std::basic_string<CodeUnit>, std::basic_string<CodeUnit>>;
-  static const std::map<Key, std::size_t> levels = [] {
-    std::map<Key, std::size_t> classified;
+  static const std::map<FoldedNames, std::size_t> levels = [] {
+    std::map<FoldedNames, std::size_t> classified;
     for (const ShareLevelEntry& entry : ClassifiedPreferences()) {
       const auto level = static_cast<std::size_t>(entry.level);
       if (level <= vemora::prefs::kWindowsOnly) {
-        classified[{Fold(entry.category), Fold(entry.key)}] = level;
+        classified[Fold(entry.category, entry.key)] = level;
       }
     }
     return classified;
   }();
-  const auto found = levels.find({Fold(category), Fold(key)});
+  const auto found = levels.find(Fold(category, key));
   return found != levels.end() ? std::optional(found->second) : std::nullopt;
 }
 
