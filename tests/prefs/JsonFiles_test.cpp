@@ -743,11 +743,18 @@ std::vector<std::pair<std::string, std::string>> TextsWithAnEscape() {
   return texts;
 }
 
-TEST_F(JsonFilesRoundTrip, KeepsACharacterThatIsEscapedAtEachPlace) {
-  const auto texts = TextsWithAnEscape();
-  for (std::size_t index = 0; index < texts.size(); ++index) {
-    store.WriteString("C", std::to_string(index).c_str(), texts[index].first.c_str());
+class JsonFilesEscapes : public StoreTest {
+ protected:
+  JsonFilesEscapes() {
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+      store.WriteString("C", std::to_string(index).c_str(), texts[index].first.c_str());
+    }
   }
+
+  const std::vector<std::pair<std::string, std::string>> texts = TextsWithAnEscape();
+};
+
+TEST_F(JsonFilesEscapes, KeepACharacterThatIsEscapedAtEachPlace) {
   OpenStore loaded;
   Reload(loaded);
   for (std::size_t index = 0; index < texts.size(); ++index) {
@@ -756,11 +763,7 @@ TEST_F(JsonFilesRoundTrip, KeepsACharacterThatIsEscapedAtEachPlace) {
   }
 }
 
-TEST_F(JsonFilesRoundTrip, EscapesNoCharacterBesideOneThatIsEscaped) {
-  const auto texts = TextsWithAnEscape();
-  for (std::size_t index = 0; index < texts.size(); ++index) {
-    store.WriteString("C", std::to_string(index).c_str(), texts[index].first.c_str());
-  }
+TEST_F(JsonFilesEscapes, AreOfNoCharacterBesideOneThatIsEscaped) {
   const std::string saved = SavePrivate();
   for (std::size_t index = 0; index < texts.size(); ++index) {
     const std::string line = "\"" + std::to_string(index) + "\": \"" + texts[index].second + "\"";
