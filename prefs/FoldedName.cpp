@@ -60,7 +60,7 @@ __m128i Narrow(const CodeUnit* left, const CodeUnit* right, __m128i& seen) {
   return _mm_packus_epi16(first, last);
 }
 __m128i Narrow(const char* left, const char* right, __m128i& seen) {
-  const __m128i bytes = _mm_unpacklo_epi64(utils::LoadEight(left), utils::LoadEight(right));
+  const __m128i bytes = utils::LoadEights(left, right);
   seen = _mm_or_si128(seen, _mm_and_si128(bytes, _mm_set1_epi8(-0x80)));
   return bytes;
 }

@@ -88,7 +88,7 @@ class FoldedName {
   /// @param bytes at least eight
   static Ends LoadEnds(const char* bytes, std::size_t length) {
     return MakeEnds(bytes, length, [](const char* left, const char* right) {
-      return _mm_unpacklo_epi64(utils::LoadEight(left), utils::LoadEight(right));
+      return utils::LoadEights(left, right);
     });
   }
 

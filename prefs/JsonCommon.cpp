@@ -434,7 +434,7 @@ JsonCommon::Place JsonCommon::Locate(const FoldedPair& pair) {
   // The next time, a guess need not be looked into. Only a known pair has a home: that of another
   // is wherever the default level happens to be.
   if (place.preference != nullptr && known.has_value()) {
-    place.preference->SetAtHome(true);
+    place.preference->MarkAtHome();
   }
   return place;
 }

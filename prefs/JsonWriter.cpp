@@ -6,7 +6,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -26,6 +25,8 @@ bool IsSpecial(char character) {
   return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
 }
 
+constexpr std::size_t kHalf = sizeof(JsonBlock) / 2;
+
 /// For texts of a block and more.
 std::size_t CopyBlocks(std::string_view text, char* to) {
   // The last block may have bytes of the one before it.
@@ -44,15 +45,11 @@ std::size_t CopyBlocks(std::string_view text, char* to) {
 
 /// For texts of half a block and more.
 std::size_t CopyHalves(std::string_view text, char* to) {
-  constexpr std::size_t kHalf = sizeof(std::uint64_t);
   // The last half may have bytes of the first.
   const std::size_t last = text.size() - kHalf;
-  const std::uint64_t first_half = utils::LoadWord(text.data());
-  const std::uint64_t last_half = utils::LoadWord(text.data() + last);
-  std::memcpy(to, &first_half, kHalf);
-  std::memcpy(to + last, &last_half, kHalf);
-  const unsigned special = FindSpecial(
-      _mm_set_epi64x(static_cast<long long>(last_half), static_cast<long long>(first_half)));
+  std::memcpy(to, text.data(), kHalf);
+  std::memcpy(to + last, text.data() + last, kHalf);
+  const unsigned special = FindSpecial(utils::LoadEights(text.data(), text.data() + last));
   if (special == 0) {
     return text.size();
   }
@@ -66,7 +63,7 @@ std::size_t CopyUnescaped(std::string_view text, char* to) {
   if (text.size() >= sizeof(JsonBlock)) {
     return CopyBlocks(text, to);
   }
-  if (text.size() >= sizeof(JsonBlock) / 2) {
+  if (text.size() >= kHalf) {
     return CopyHalves(text, to);
   }
   const char* const end = std::find_if(text.data(), text.data() + text.size(), IsSpecial);

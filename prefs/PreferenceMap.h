@@ -37,7 +37,7 @@ class Preference {
   /// A note of whoever finds preferences: that this one lies at the level where its names belong.
   /// @{
   bool IsAtHome() const { return at_home_ != 0; }
-  void SetAtHome(bool atHome) { at_home_ = atHome ? 1 : 0; }
+  void MarkAtHome() { at_home_ = 1; }
   /// @}
 
   bool IsText() const { return kind_ == kText; }
@@ -117,7 +117,7 @@ class PreferenceMap {
   /// Replaces the value of a preference of this map.
   void Assign(Preference& preference, const PreferenceValue& value);
 
-  /// Calls `SetAtHome(false)` for all.
+  /// No preference is marked as at home any longer.
   void ForgetHomes();
 
   /// Removes a preference, and its category with the last one; false when there was none.

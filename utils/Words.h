@@ -25,6 +25,11 @@ inline __m128i LoadEight(const void* bytes) {
   return _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
 }
 
+/// Eight bytes, and eight others in the upper half.
+inline __m128i LoadEights(const void* lower, const void* upper) {
+  return _mm_unpacklo_epi64(LoadEight(lower), LoadEight(upper));
+}
+
 /// How many of the lowest bits are not set; there is one that is.
 inline unsigned CountTrailingZeros(unsigned bits) {
 #if defined(_MSC_VER)

@@ -56,17 +56,19 @@ CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
   return out;
 }
 
-/// Appends the units that `write(out)` writes while `more` is true, up to eight each time; many
+/// How many units are written at once, at most.
+constexpr std::size_t kStep = 8;
+
+/// Appends the units that `write(out)` writes while `more` is true, up to `kStep` each time; many
 /// units at a time, for a string grows slowly.
 /// @param write returns behind what it wrote
 template <typename More, typename Write>
 void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
   constexpr std::size_t kBlock = 128;
-  constexpr std::size_t kMost = 8;
   std::array<CodeUnit, kBlock> block;
   while (more()) {
     CodeUnit* end = block.data();
-    while (more() && end + kMost <= block.data() + block.size()) {
+    while (more() && end + kStep <= block.data() + block.size()) {
       end = write(end);
     }
     text.append(block.data(), end);
@@ -195,7 +197,6 @@ char32_t DecodeUtf8(std::string_view utf8, std::size_t& index) {
 /// that comes first or where fewer than eight bytes are left.
 /// @return behind the units that it wrote
 CodeUnit* DecodeSome(std::string_view utf8, std::size_t& index, CodeUnit* out) {
-  constexpr std::size_t kStep = 8;
   if (utf8.size() - index >= kStep) {
     const __m128i bytes = LoadEight(&utf8[index]);
     const __m128i units = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());

@@ -341,8 +341,8 @@ MUTANTS = [
     Mutant("folding: the second word of a name is not read", "prefs/FoldedName.h",
            "std::min(units + kWordSize, last)", "last"),
     Mutant("folding: the end of a stored name is not read", "prefs/FoldedName.h",
-           "_mm_unpacklo_epi64(utils::LoadEight(left), utils::LoadEight(right))",
-           "_mm_unpacklo_epi64(utils::LoadEight(left), utils::LoadEight(std::min(left, right)))"),
+           "utils::LoadEights(left, right)",
+           "utils::LoadEights(left, std::min(left, right))"),
     Mutant("folding: the middle of a name is not compared", "prefs/FoldedName.cpp",
            "if (FoldWord(utils::LoadWord(ascii + index * kWordSize)) != Middle()[index]) {",
            "if (FoldWord(utils::LoadWord(ascii + index * kWordSize)) == 0) {"),
@@ -369,7 +369,8 @@ MUTANTS = [
            "others != 0 ? CountTrailingZeros(others) : kStep;",
            "others != 0 ? CountTrailingZeros(others) + 1 : kStep;"),
     Mutant("text: more units than a block takes", "utils/vemora_ustring.cpp",
-           "end + kMost <= block.data() + block.size()", "end + kMost / 8 <= block.data() + block.size()"),
+           "end + kStep <= block.data() + block.size()",
+           "end + kStep / 8 <= block.data() + block.size()"),
 
     # Files
     Mutant("files: handles stay open", "utils/Files.cpp",
