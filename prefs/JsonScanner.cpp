@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <system_error>
@@ -178,8 +179,21 @@ bool JsonScanner::ReadString(ScannedText& text) {
   if (!Take('"')) {
     return false;
   }
-  char* const start = position_;
+  const char* const start = position_;
   text.ascii = SkipPlainCharacters();
+  text.bytes = {start, static_cast<std::size_t>(position_ - start)};
+  if (*position_ == '\\' && !ReadEscapes(text)) {
+    return false;
+  }
+  if (*position_ != '"') {
+    return false;
+  }
+  ++position_;
+  return true;
+}
+
+/// Reads the rest of a string from its first escape on, behind what `text` has.
+bool JsonScanner::ReadEscapes(ScannedText& text) {
   char* out = position_;
   while (*position_ == '\\') {
     char* const unescaped = out;
@@ -192,11 +206,7 @@ bool JsonScanner::ReadString(ScannedText& text) {
     text.ascii = text.ascii && ascii && utils::IsAscii(*unescaped);
     out = std::copy(plain, static_cast<const char*>(position_), out);
   }
-  text.bytes = {start, static_cast<std::size_t>(out - start)};
-  if (*position_ != '"') {
-    return false;
-  }
-  ++position_;
+  text.bytes = {text.bytes.data(), static_cast<std::size_t>(out - text.bytes.data())};
   return true;
 }
 
@@ -249,7 +259,55 @@ bool JsonScanner::ReadName(ScannedText& name) {
   return ReadString(name) && name.bytes.size() <= PreferenceMap::kLongestName && Take(':');
 }
 
+/// Reads a number of few digits, as nearly all are, by which its value is exact or rounded once:
+/// a whole number that every int can hold, or a fraction. False for any other.
+bool JsonScanner::ReadShortNumber(std::optional<PreferenceValue>& value) {
+  constexpr std::ptrdiff_t kMostIntDigits = std::numeric_limits<std::int32_t>::digits10;
+  constexpr std::ptrdiff_t kMostDigits = std::numeric_limits<double>::digits10;
+  static constexpr double kPowers[kMostDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  std::int64_t digits = 0;
+  char* next = position_;
+  const auto read_digits = [&digits, &next](std::ptrdiff_t most) {
+    const char* const start = next;
+    while (IsDigit(*next) && next - start < most) {
+      digits = digits * 10 + (*next++ - '0');
+    }
+    return next - start;
+  };
+  const bool negative = *next == '-';
+  next += negative ? 1 : 0;
+  const char* const whole = next;
+  const std::ptrdiff_t whole_digits = read_digits(kMostIntDigits);
+  if (whole_digits == 0 || (*whole == '0' && whole_digits > 1)) {
+    return false;
+  }
+  std::ptrdiff_t fraction_digits = 0;
+  const bool is_whole = *next != '.';
+  if (!is_whole) {
+    ++next;
+    fraction_digits = read_digits(kMostDigits - whole_digits);
+    if (fraction_digits == 0) {
+      return false;
+    }
+  }
+  if (IsDigit(*next) || *next == 'e' || *next == 'E') {
+    return false;
+  }
+  position_ = next;
+  if (is_whole) {
+    value = static_cast<std::int32_t>(negative ? -digits : digits);
+  } else {
+    const double real = static_cast<double>(digits) / kPowers[fraction_digits];
+    value = negative ? -real : real;
+  }
+  return true;
+}
+
 bool JsonScanner::ReadNumber(std::optional<PreferenceValue>& value) {
+  if (ReadShortNumber(value)) {
+    return true;
+  }
   const auto from = [this](const char* start) {
     return std::string_view(start, static_cast<std::size_t>(position_ - start));
   };
@@ -296,6 +354,12 @@ bool JsonScanner::SkipScalar() {
   ScannedText text;
   std::optional<PreferenceValue> value;
   return Peek() == '"' ? ReadString(text) : ReadPlainValue(value);
+}
+
+JsonBlock JsonScanner::LoadLastBlock() const {
+  char last[kBlockSize] = {};
+  std::memcpy(last, position_, static_cast<std::size_t>(end_ - position_));
+  return _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(last));
 }
 
 /// At least one.

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 #include <optional>
 #include <string_view>
 
@@ -32,7 +31,8 @@ class JsonScanner {
 
   /// The next character that is no white space, 0 at the end.
   char Peek() {
-    // White space is mostly a line feed and an indentation, or none.
+    // White space is mostly none, one blank, or a line feed and an indentation.
+    position_ += *position_ == ' ' ? 1 : 0;
     if (static_cast<unsigned char>(*position_) <= ' ') {
       SkipSpace();
     }
@@ -78,15 +78,15 @@ class JsonScanner {
 
   /// What lies ahead, zeros behind the end.
   JsonBlock LoadBlock() const {
-    if (end_ - position_ >= kBlockSize) {
-      return _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(position_));
-    }
-    char last[kBlockSize] = {};
-    std::memcpy(last, position_, static_cast<std::size_t>(end_ - position_));
-    return _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(last));
+    return end_ - position_ >= kBlockSize
+               ? _mm_loadu_si128(reinterpret_cast<const JsonBlock*>(position_))
+               : LoadLastBlock();
   }
+  JsonBlock LoadLastBlock() const;
 
   bool ReadName(ScannedText& name);
+  bool ReadEscapes(ScannedText& text);
+  bool ReadShortNumber(std::optional<PreferenceValue>& value);
   bool ReadNumber(std::optional<PreferenceValue>& value);
   bool ReadWord(std::string_view word);
   bool SkipScalar();
