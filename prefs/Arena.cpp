@@ -7,17 +7,6 @@
 
 namespace vemora::prefs {
 
-Arena::Ref Arena::Allocate(std::size_t bytes) {
-  const std::size_t words = std::max<std::size_t>((bytes + sizeof(Word) - 1) / sizeof(Word), 1);
-  if (words > block_size_ - block_used_) {
-    AddBlock(words);
-  }
-  const Ref ref = (static_cast<Ref>(block_) << kOffsetBits) | static_cast<Ref>(block_used_);
-  block_used_ += words;
-  used_ += words * sizeof(Word);
-  return ref;
-}
-
 void Arena::ReserveFor(const Arena& other) {
   const std::size_t count = blocks_.size() + other.blocks_.size();
   if (count > kMostBlocks) {

@@ -2,6 +2,7 @@
 /// Memory for many small things that go together. Internal to the library.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,7 +19,16 @@ class Arena {
 
   /// Memory for `bytes` bytes, aligned to eight. Not initialized.
   /// @throws std::bad_alloc
-  Ref Allocate(std::size_t bytes);
+  Ref Allocate(std::size_t bytes) {
+    const std::size_t words = std::max<std::size_t>((bytes + sizeof(Word) - 1) / sizeof(Word), 1);
+    if (words > block_size_ - block_used_) {
+      AddBlock(words);
+    }
+    const Ref ref = (static_cast<Ref>(block_) << kOffsetBits) | static_cast<Ref>(block_used_);
+    block_used_ += words;
+    used_ += words * sizeof(Word);
+    return ref;
+  }
 
   void* At(Ref ref) const { return blocks_[ref >> kOffsetBits].get() + (ref & kOffsetMask); }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <iterator>
 #include <limits>
 #include <new>
@@ -248,8 +249,7 @@ class PreferenceMap::Tables {
   std::size_t live_categories_ = 0;
   std::size_t wasted_ = 0;  // bytes
   std::uint32_t open_category_ = kNone;
-  std::vector<SlotTable::Slot>
-      unslotted_;  // preferences that `CloseCategories` puts into the table
+  std::deque<SlotTable::Slot> unslotted_;  // what `CloseCategories` puts into the table
   std::set<std::pair<vemora_ustring, std::optional<vemora_ustring>>> erased_;
   bool has_changes_ = false;  // of preferences that fit into a file
   std::size_t file_ = 0;
