@@ -10,7 +10,7 @@ The contents of vectors and dictionaries are shown by the printers of the standa
 import gdb
 import gdb.printing
 
-PREFERENCE_KINDS = ("kInt", "kBool", "kDouble", "kText", "kOther", "kErased")
+PREFERENCE_KINDS = ("kInt", "kBool", "kDouble", "kText", "kOther", "kNone")
 
 
 class TextPrinter:
@@ -119,11 +119,11 @@ class PreferencePrinter:
         kind = self.to_string()
         content = self._value["value_"]
         if kind == "kInt":
-            yield "value", content["integer"]
+            yield "value", content["scalar"]["integer"]
         elif kind == "kBool":
-            yield "value", content["boolean"]
+            yield "value", content["scalar"]["boolean"]
         elif kind == "kDouble":
-            yield "value", content["real"]
+            yield "value", content["scalar"]["real"]
         elif kind == "kText":
             yield "value", self._text_behind(content["text"], content["text"]["length"])
 

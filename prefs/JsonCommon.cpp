@@ -446,7 +446,7 @@ JsonCommon::Stored JsonCommon::StoreEntries(const vemora_ustring& category,
   for (const auto& [key, value] : entries.values) {
     std::string text;
     const PreferenceValue entry = ToPreferenceValue(value, text);
-    if (std::holds_alternative<const Variant*>(entry)) {
+    if (entry.GetKind() == PreferenceValue::kOther) {
       stored.all = false;
       continue;
     }

@@ -97,12 +97,12 @@ class LevelsReader {
         return true;
       }
       default: {
-        std::optional<PreferenceValue> value;
+        PreferenceValue value;
         if (!scanner_.ReadPlainValue(value)) {
           return false;
         }
-        if (value.has_value()) {
-          level.SetInOpenCategory(Normalize(key, name_), *value);
+        if (value.GetKind() != PreferenceValue::kNone) {
+          level.SetInOpenCategory(Normalize(key, name_), value);
         }
         return true;
       }

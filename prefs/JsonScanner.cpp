@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <string>
 #include <system_error>
 
 #include "prefs/JsonBlock.h"
+#include "prefs/PreferenceMap.h"
 #include "utils/Ascii.h"
 #include "utils/Words.h"
 
@@ -90,7 +92,7 @@ bool IsTooSmall(const NumberText& number) {
 }
 
 /// False when the number is too large. Every double comes back as it was saved.
-bool ConvertNumber(const NumberText& number, std::optional<PreferenceValue>& value) {
+bool ConvertNumber(const NumberText& number, PreferenceValue& value) {
   std::int32_t integer = 0;
   std::int64_t signed_integer = 0;
   std::uint64_t large_integer = 0;
@@ -210,7 +212,7 @@ bool JsonScanner::ReadEscapes(ScannedText& text) {
   return true;
 }
 
-bool JsonScanner::ReadPlainValue(std::optional<PreferenceValue>& value) {
+bool JsonScanner::ReadPlainValue(PreferenceValue& value) {
   switch (Peek()) {
     case 't':
       value = true;
@@ -219,10 +221,10 @@ bool JsonScanner::ReadPlainValue(std::optional<PreferenceValue>& value) {
       value = false;
       return ReadWord("false");
     case 'n':
-      value = std::nullopt;
+      value = {};
       return ReadWord("null");
     default:
-      value = std::nullopt;
+      value = {};
       return ReadNumber(value);
   }
 }
@@ -261,7 +263,7 @@ bool JsonScanner::ReadName(ScannedText& name) {
 
 /// Reads a number of few digits, as nearly all are, by which its value is exact or rounded once:
 /// a whole number that every int can hold, or a fraction. False for any other.
-bool JsonScanner::ReadShortNumber(std::optional<PreferenceValue>& value) {
+bool JsonScanner::ReadShortNumber(PreferenceValue& value) {
   constexpr std::ptrdiff_t kMostIntDigits = std::numeric_limits<std::int32_t>::digits10;
   constexpr std::ptrdiff_t kMostDigits = std::numeric_limits<double>::digits10;
   static constexpr double kPowers[kMostDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
@@ -304,7 +306,7 @@ bool JsonScanner::ReadShortNumber(std::optional<PreferenceValue>& value) {
   return true;
 }
 
-bool JsonScanner::ReadNumber(std::optional<PreferenceValue>& value) {
+bool JsonScanner::ReadNumber(PreferenceValue& value) {
   if (ReadShortNumber(value)) {
     return true;
   }
@@ -352,7 +354,7 @@ bool JsonScanner::ReadWord(std::string_view word) {
 
 bool JsonScanner::SkipScalar() {
   ScannedText text;
-  std::optional<PreferenceValue> value;
+  PreferenceValue value;
   return Peek() == '"' ? ReadString(text) : ReadPlainValue(value);
 }
 

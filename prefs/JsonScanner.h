@@ -3,11 +3,10 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 #include "prefs/JsonBlock.h"
-#include "prefs/PreferenceMap.h"
+#include "prefs/PreferenceValue.h"
 
 namespace vemora::prefs {
 
@@ -66,9 +65,9 @@ class JsonScanner {
 
   bool ReadString(ScannedText& text);
 
-  /// Reads a number, a truth value or null. Gives nothing for what is no value of a preference:
+  /// Reads a number, a truth value or null. `value` is none for what is no value of a preference:
   /// null, and whole numbers that have 64 bits but not 32.
-  bool ReadPlainValue(std::optional<PreferenceValue>& value);
+  bool ReadPlainValue(PreferenceValue& value);
 
   /// Reads a value of any kind.
   bool SkipValue();
@@ -86,8 +85,8 @@ class JsonScanner {
 
   bool ReadName(ScannedText& name);
   bool ReadEscapes(ScannedText& text);
-  bool ReadShortNumber(std::optional<PreferenceValue>& value);
-  bool ReadNumber(std::optional<PreferenceValue>& value);
+  bool ReadShortNumber(PreferenceValue& value);
+  bool ReadNumber(PreferenceValue& value);
   bool ReadWord(std::string_view word);
   bool SkipScalar();
   bool SkipDigits();

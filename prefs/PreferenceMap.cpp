@@ -71,14 +71,20 @@ void ReserveMore(std::vector<Item>& items, std::size_t more) {
   }
 }
 
-struct ToVariant {
-  template <typename Scalar>
-  Variant operator()(Scalar value) const {
-    return value;
+Variant ToVariant(const PreferenceValue& value) {
+  switch (value.GetKind()) {
+    case PreferenceValue::kInt:
+      return value.GetScalar().integer;
+    case PreferenceValue::kBool:
+      return value.GetScalar().boolean;
+    case PreferenceValue::kDouble:
+      return value.GetScalar().real;
+    case PreferenceValue::kText:
+      return vemora_ustring::FromUtf8(value.GetText());
+    default:
+      return value.GetOther();
   }
-  Variant operator()(std::string_view text) const { return vemora_ustring::FromUtf8(text); }
-  Variant operator()(const Variant* other) const { return *other; }
-};
+}
 
 void Shift(std::uint32_t& ref, Arena::Ref shift) {
   if (ref != kNone) {
@@ -193,7 +199,7 @@ class PreferenceMap::Tables {
   template <typename Function>
   void ForEachOf(const CategoryEntry& category, Function function) const {
     for (std::uint32_t ref = category.first; ref != kNone; ref = At(ref).next_) {
-      if (At(ref).kind_ != Kind::kErased) {
+      if (At(ref).kind_ != Kind::kNone) {
         function(ref);
       }
     }
@@ -239,7 +245,7 @@ class PreferenceMap::Tables {
   void ReserveForCategory();
   void LinkCategory(std::uint32_t ref) noexcept;
   void EmptyCategory(CategoryEntry& category) noexcept;
-  void MarkErased(Preference& preference) noexcept;
+  void MarkNone(Preference& preference) noexcept;
 
   Arena arena_;
   SlotTable preference_slots_;
@@ -307,7 +313,7 @@ void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& v
 void PreferenceMap::Tables::Erase(Preference& preference) noexcept {
   const auto is_it = [&](std::uint32_t ref) { return &At(ref) == &preference; };
   preference_slots_.Remove(preference.hash_, preference_slots_.Find(preference.hash_, is_it));
-  MarkErased(preference);
+  MarkNone(preference);
   if (--CategoryAt(preference.category_).count == 0) {
     EraseCategory(preference.category_);
   }
@@ -423,7 +429,7 @@ void PreferenceMap::Tables::MoveValue(Preference& from, Preference& to) noexcept
   DropValue(to);
   to.kind_ = from.kind_;
   to.value_ = from.value_;
-  from.kind_ = Kind::kErased;
+  from.kind_ = Kind::kNone;
   wasted_ += SizeOf(from);
   --CategoryAt(from.category_).count;
 }
@@ -458,7 +464,7 @@ void PreferenceMap::Tables::Adopt(Tables&& other) {
       if (preference.kind_ == Kind::kOther) {
         preference.value_.other += first_other;
       }
-      if (preference.kind_ != Kind::kErased) {
+      if (preference.kind_ != Kind::kNone) {
         preference_slots_.Add(preference.hash_, ref);
       }
     }
@@ -478,23 +484,14 @@ std::vector<const Preference*> PreferenceMap::Tables::GetPreferences(std::uint32
 
 /// Takes what it needs from the arena; the preferences do not change yet.
 PreferenceMap::Tables::Content PreferenceMap::Tables::MakeContent(const PreferenceValue& value) {
-  Content content = {};
-  if (const auto* integer = std::get_if<int>(&value)) {
-    content.kind = Kind::kInt;
-    content.value.integer = *integer;
-  } else if (const auto* boolean = std::get_if<bool>(&value)) {
-    content.kind = Kind::kBool;
-    content.value.boolean = *boolean;
-  } else if (const auto* real = std::get_if<double>(&value)) {
-    content.kind = Kind::kDouble;
-    content.value.real = *real;
-  } else if (const auto* text = std::get_if<std::string_view>(&value)) {
-    content.kind = Kind::kText;
-    content.value.text = NewText(*text);
+  Content content = {value.GetKind(), {}};
+  if (value.IsScalar()) {
+    content.value.scalar = value.GetScalar();
+  } else if (content.kind == Kind::kText) {
+    content.value.text = NewText(value.GetText());
   } else {
-    content.kind = Kind::kOther;
     content.value.other = others_.size();
-    others_.push_back(*std::get<const Variant*>(value));
+    others_.push_back(value.GetOther());
   }
   return content;
 }
@@ -513,11 +510,11 @@ PreferenceMap::Tables::TextHeader* PreferenceMap::Tables::NewText(std::string_vi
 PreferenceValue PreferenceMap::Tables::ValueOf(const Preference& preference) const {
   switch (preference.kind_) {
     case Kind::kInt:
-      return preference.value_.integer;
+      return preference.value_.scalar.integer;
     case Kind::kBool:
-      return preference.value_.boolean;
+      return preference.value_.scalar.boolean;
     case Kind::kDouble:
-      return preference.value_.real;
+      return preference.value_.scalar.real;
     case Kind::kText:
       return preference.GetText();
     default:
@@ -526,11 +523,12 @@ PreferenceValue PreferenceMap::Tables::ValueOf(const Preference& preference) con
 }
 
 void PreferenceMap::Tables::Assign(Preference& preference, const PreferenceValue& value) {
-  const auto* const text = std::get_if<std::string_view>(&value);
-  if (text != nullptr && preference.IsText() && text->size() <= preference.value_.text->capacity) {
+  if (value.GetKind() == Kind::kText && preference.IsText() &&
+      value.GetText().size() <= preference.value_.text->capacity) {
     TextHeader* const header = preference.value_.text;
-    std::copy(text->begin(), text->end(), BytesOf(header));
-    header->length = static_cast<std::uint32_t>(text->size());
+    const std::string_view text = value.GetText();
+    std::copy(text.begin(), text.end(), BytesOf(header));
+    header->length = static_cast<std::uint32_t>(text.size());
     return;
   }
   const Content content = MakeContent(value);
@@ -633,7 +631,7 @@ void PreferenceMap::Tables::LinkCategory(std::uint32_t ref) noexcept {
 void PreferenceMap::Tables::EmptyCategory(CategoryEntry& category) noexcept {
   ForEachOf(category, [this](std::uint32_t ref) {
     preference_slots_.Remove(At(ref).hash_, ref);
-    MarkErased(At(ref));
+    MarkNone(At(ref));
   });
   category.count = 0;
   category.first = kNone;
@@ -649,9 +647,9 @@ void PreferenceMap::Tables::DropValue(const Preference& preference) noexcept {
   }
 }
 
-void PreferenceMap::Tables::MarkErased(Preference& preference) noexcept {
+void PreferenceMap::Tables::MarkNone(Preference& preference) noexcept {
   DropValue(preference);
-  preference.kind_ = Kind::kErased;
+  preference.kind_ = Kind::kNone;
   wasted_ += SizeOf(preference);
 }
 
@@ -684,7 +682,7 @@ Preference* PreferenceMap::Find(const FoldedPair& pair) {
 }
 
 Variant PreferenceMap::GetValue(const Preference& preference) const {
-  return std::visit(ToVariant(), tables_->ValueOf(preference));
+  return ToVariant(tables_->ValueOf(preference));
 }
 
 void PreferenceMap::Add(const FoldedPair& pair, const PreferenceValue& value) {

@@ -6,18 +6,15 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <variant>
 #include <vector>
 
+#include "prefs/PreferenceValue.h"
 #include "utils/Variant.h"
 
 namespace vemora::prefs {
 
 class FoldedName;
 struct FoldedPair;
-
-/// A value to be stored. A text is UTF-8; a Variant is one of a type that the files do not hold.
-using PreferenceValue = std::variant<bool, int, double, std::string_view, const utils::Variant*>;
 
 /// One preference as a PreferenceMap keeps it: 24 bytes, with its name behind them.
 // The map fills each where it makes it.
@@ -29,9 +26,9 @@ class Preference {
 
   /// The value, or null when it is of another type.
   /// @{
-  const int* GetInt() const { return kind_ == kInt ? &value_.integer : nullptr; }
-  const bool* GetBool() const { return kind_ == kBool ? &value_.boolean : nullptr; }
-  const double* GetDouble() const { return kind_ == kDouble ? &value_.real : nullptr; }
+  const int* GetInt() const { return kind_ == Kind::kInt ? &value_.scalar.integer : nullptr; }
+  const bool* GetBool() const { return kind_ == Kind::kBool ? &value_.scalar.boolean : nullptr; }
+  const double* GetDouble() const { return kind_ == Kind::kDouble ? &value_.scalar.real : nullptr; }
   /// @}
 
   /// A note of whoever finds preferences: that this one lies at the level where its names belong.
@@ -40,14 +37,14 @@ class Preference {
   void MarkAtHome() { at_home_ = 1; }
   /// @}
 
-  bool IsText() const { return kind_ == kText; }
+  bool IsText() const { return kind_ == Kind::kText; }
   /// UTF-8.
   std::string_view GetText() const;
 
  private:
   friend class PreferenceMap;
 
-  enum Kind : std::uint32_t { kInt, kBool, kDouble, kText, kOther, kErased };
+  using Kind = PreferenceValue::Kind;
 
   /// Lies before the bytes of a text.
   struct TextHeader {
@@ -56,9 +53,7 @@ class Preference {
   };
 
   union Value {
-    int integer;
-    bool boolean;
-    double real;
+    PreferenceValue::Scalar scalar;
     TextHeader* text;
     std::size_t other;  // index
   };
@@ -71,7 +66,7 @@ class Preference {
   std::uint32_t ascii_ : 1;    // whether the name is
   std::uint32_t at_home_ : 1;
   std::uint32_t changed_ : 1;
-  Kind kind_ : 3;
+  Kind kind_ : 3;  // `kNone` of one that was erased
 };
 
 /// Categories of preferences. Names that `CompareNoCase` takes for equal are one name, in the
