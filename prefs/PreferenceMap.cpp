@@ -74,11 +74,11 @@ void ReserveMore(std::vector<Item>& items, std::size_t more) {
 Variant ToVariant(const PreferenceValue& value) {
   switch (value.GetKind()) {
     case PreferenceValue::kInt:
-      return value.GetScalar().integer;
+      return value.GetScalar<int>();
     case PreferenceValue::kBool:
-      return value.GetScalar().boolean;
+      return value.GetScalar<bool>();
     case PreferenceValue::kDouble:
-      return value.GetScalar().real;
+      return value.GetScalar<double>();
     case PreferenceValue::kText:
       return vemora_ustring::FromUtf8(value.GetText());
     default:
@@ -486,7 +486,7 @@ std::vector<const Preference*> PreferenceMap::Tables::GetPreferences(std::uint32
 PreferenceMap::Tables::Content PreferenceMap::Tables::MakeContent(const PreferenceValue& value) {
   Content content = {value.GetKind(), {}};
   if (value.IsScalar()) {
-    content.value.scalar = value.GetScalar();
+    content.value = value.GetScalar<Value>();
   } else if (content.kind == Kind::kText) {
     content.value.text = NewText(value.GetText());
   } else {
@@ -510,11 +510,11 @@ PreferenceMap::Tables::TextHeader* PreferenceMap::Tables::NewText(std::string_vi
 PreferenceValue PreferenceMap::Tables::ValueOf(const Preference& preference) const {
   switch (preference.kind_) {
     case Kind::kInt:
-      return preference.value_.scalar.integer;
+      return preference.value_.integer;
     case Kind::kBool:
-      return preference.value_.scalar.boolean;
+      return preference.value_.boolean;
     case Kind::kDouble:
-      return preference.value_.scalar.real;
+      return preference.value_.real;
     case Kind::kText:
       return preference.GetText();
     default:

@@ -26,9 +26,9 @@ class Preference {
 
   /// The value, or null when it is of another type.
   /// @{
-  const int* GetInt() const { return kind_ == Kind::kInt ? &value_.scalar.integer : nullptr; }
-  const bool* GetBool() const { return kind_ == Kind::kBool ? &value_.scalar.boolean : nullptr; }
-  const double* GetDouble() const { return kind_ == Kind::kDouble ? &value_.scalar.real : nullptr; }
+  const int* GetInt() const { return kind_ == Kind::kInt ? &value_.integer : nullptr; }
+  const bool* GetBool() const { return kind_ == Kind::kBool ? &value_.boolean : nullptr; }
+  const double* GetDouble() const { return kind_ == Kind::kDouble ? &value_.real : nullptr; }
   /// @}
 
   /// A note of whoever finds preferences: that this one lies at the level where its names belong.
@@ -53,7 +53,9 @@ class Preference {
   };
 
   union Value {
-    PreferenceValue::Scalar scalar;
+    int integer;
+    bool boolean;
+    double real;
     TextHeader* text;
     std::size_t other;  // index
   };

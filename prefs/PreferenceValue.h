@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "utils/Variant.h"
@@ -15,16 +16,10 @@ class PreferenceValue {
   /// The scalars come first. `kOther` is a Variant of a type that the files do not hold.
   enum Kind : std::uint32_t { kInt, kBool, kDouble, kText, kOther, kNone };
 
-  union Scalar {
-    int integer;
-    bool boolean;
-    double real;
-  };
-
-  PreferenceValue() : kind_(kNone), scalar_{} {}
-  PreferenceValue(int integer) : kind_(kInt), scalar_{integer} {}
-  PreferenceValue(bool boolean) : kind_(kBool), scalar_{} { scalar_.boolean = boolean; }
-  PreferenceValue(double real) : kind_(kDouble), scalar_{} { scalar_.real = real; }
+  PreferenceValue() = default;
+  PreferenceValue(int integer) : kind_(kInt), scalar_(ToBits(integer)) {}
+  PreferenceValue(bool boolean) : kind_(kBool), scalar_(ToBits(boolean)) {}
+  PreferenceValue(double real) : kind_(kDouble), scalar_(ToBits(real)) {}
   /// @param text UTF-8
   PreferenceValue(std::string_view text) : kind_(kText), text_(text) {}
   PreferenceValue(const utils::Variant* other) : kind_(kOther), other_(other) {}
@@ -36,18 +31,28 @@ class PreferenceValue {
 
   /// Only what is of that kind may be asked for.
   /// @{
-  const Scalar& GetScalar() const { return scalar_; }
+  template <typename Scalar>
+  Scalar GetScalar() const {
+    Scalar scalar;
+    std::memcpy(&scalar, &scalar_, sizeof(scalar));
+    return scalar;
+  }
   std::string_view GetText() const { return text_; }
   const utils::Variant& GetOther() const { return *other_; }
   /// @}
 
  private:
-  Kind kind_;
-  union {
-    Scalar scalar_;
-    std::string_view text_;
-    const utils::Variant* other_;
-  };
+  template <typename Scalar>
+  static std::uint64_t ToBits(Scalar scalar) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &scalar, sizeof(scalar));
+    return bits;
+  }
+
+  Kind kind_ = kNone;
+  std::uint64_t scalar_ = 0;  // a number, for unions are slow to pass on
+  std::string_view text_;
+  const utils::Variant* other_ = nullptr;
 };
 
 }  // namespace vemora::prefs
