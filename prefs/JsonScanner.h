@@ -31,9 +31,12 @@ class JsonScanner {
   /// The next character that is no white space, 0 at the end.
   char Peek() {
     // White space is mostly none, one blank, or a line feed and an indentation.
-    position_ += *position_ == ' ' ? 1 : 0;
-    if (static_cast<unsigned char>(*position_) <= ' ') {
-      SkipSpace();
+    if (MayBeSpace(*position_)) {
+      if (*position_ == ' ' && !MayBeSpace(position_[1])) {
+        ++position_;
+      } else {
+        SkipSpace();
+      }
     }
     return *position_;
   }
@@ -73,6 +76,8 @@ class JsonScanner {
   bool SkipValue();
 
  private:
+  static bool MayBeSpace(char character) { return static_cast<unsigned char>(character) <= ' '; }
+
   static constexpr std::ptrdiff_t kBlockSize = sizeof(JsonBlock);
 
   /// What lies ahead, zeros behind the end.
