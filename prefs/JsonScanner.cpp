@@ -18,6 +18,10 @@ namespace vemora::prefs {
 
 namespace {
 
+bool MayBePlain(char character) {
+  return static_cast<unsigned char>(character) >= ' ' && character != '"' && character != '\\';
+}
+
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 /// Whether all of the text is a number that fits.
@@ -389,15 +393,27 @@ void JsonScanner::SkipSpace() {
 /// The characters of a string up to its end, its next escape, or what no string can have.
 /// @return whether all were ASCII
 bool JsonScanner::SkipPlainCharacters() {
+  // Two blocks at a time, for many names are longer than one and few longer than two.
+  char* position = position_;
   unsigned non_ascii = 0;
-  unsigned others = 0;
-  do {
-    const JsonBlock block = LoadBlock();
-    others = FindSpecial(block);
+  while (end_ - position >= 2 * kBlockSize) {
+    const auto* const blocks = reinterpret_cast<const JsonBlock*>(position);
+    const JsonBlock first = _mm_loadu_si128(blocks);
+    const JsonBlock second = _mm_loadu_si128(blocks + 1);
+    const unsigned others = FindSpecial(first) | FindSpecial(second) << kBlockSize;
+    const unsigned high = ToBits(first) | ToBits(second) << kBlockSize;
     // Of the bits below the first of the others.
-    non_ascii |= ToBits(block) & (others - 1) & ~others;
-    position_ += others != 0 ? utils::CountTrailingZeros(others) : kBlockSize;
-  } while (others == 0);
+    non_ascii |= high & (others - 1) & ~others;
+    if (others != 0) {
+      position_ = position + utils::CountTrailingZeros(others);
+      return non_ascii == 0;
+    }
+    position += 2 * kBlockSize;
+  }
+  for (; MayBePlain(*position); ++position) {
+    non_ascii |= utils::IsAscii(*position) ? 0 : 1;
+  }
+  position_ = position;
   return non_ascii == 0;
 }
 
