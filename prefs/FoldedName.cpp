@@ -10,6 +10,7 @@
 
 #include "utils/Ascii.h"
 #include "utils/CaseFolding.h"
+#include "utils/Utf8.h"
 
 namespace vemora::prefs {
 
@@ -221,22 +222,33 @@ template void FoldedName::Fold(const CodeUnit* units, std::size_t length);
 template void FoldedName::Fold(const char* utf8, std::size_t length);
 
 void FoldedName::FoldAny(const char* utf8, std::size_t length) {
-  const vemora_ustring name = vemora_ustring::FromUtf8({utf8, length});
-  FoldAny(name.data(), name.size());
+  FoldAny(length, [utf8, length](CodeUnit* out) {
+    for (utils::Utf8Decoder decoder({utf8, length}); !decoder.IsAtEnd();) {
+      out = decoder.DecodeSome(out);
+    }
+    return out;
+  });
+}
+
+void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
+  FoldAny(length, [units, length](CodeUnit* out) { return std::copy_n(units, length, out); });
 }
 
 /// For names that are long or not all ASCII.
-void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
+/// @param write writes up to `most` units, up to eight at a time, and returns behind them
+template <typename Write>
+void FoldedName::FoldAny(std::size_t most, Write write) {
   constexpr std::size_t kShort = kInlineBytes / sizeof(CodeUnit);
   std::array<CodeUnit, kShort + kUnitsInBlock> short_name;
   std::unique_ptr<CodeUnit[]> long_name;
   CodeUnit* folded = short_name.data();
-  if (length > kShort) {
-    long_name.reset(new CodeUnit[length + kUnitsInBlock]);
+  if (most > kShort) {
+    long_name.reset(new CodeUnit[most + kUnitsInBlock]);
     folded = long_name.get();
   }
-  std::memcpy(folded, units, length * sizeof(CodeUnit));
-  std::memset(folded + length, 0, kUnitsInBlock * sizeof(CodeUnit));
+  CodeUnit* const end = write(folded);
+  const auto length = static_cast<std::size_t>(end - folded);
+  std::memset(end, 0, kUnitsInBlock * sizeof(CodeUnit));
   name_ascii_ = true;
   // Folding can lead from outside into ASCII, as from the long s to the S.
   bool ascii = true;

@@ -114,6 +114,8 @@ class FoldedName {
   void Fold(const Unit* units, std::size_t length);
   void FoldAny(const utils::CodeUnit* units, std::size_t length);
   void FoldAny(const char* utf8, std::size_t length);
+  template <typename Write>
+  void FoldAny(std::size_t most, Write write);
   void SetBytes(const char* folded, std::size_t length, bool ascii);
   Word HashEnds() const;
   bool EqualsMiddle(const char* ascii) const;

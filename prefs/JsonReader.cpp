@@ -1,45 +1,21 @@
 #include "prefs/JsonReader.h"
 
-#include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "prefs/JsonScanner.h"
+#include "utils/Utf8.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
 
 namespace {
 
-bool IsWellFormedUtf8(std::string_view text) {
-  const auto is_continuation = [](char byte) { return (byte & 0xC0) == 0x80; };
-  for (std::size_t index = 0; index < text.size();) {
-    const auto lead = static_cast<unsigned char>(text[index++]);
-    if (lead < 0x80) {
-      continue;
-    }
-    const std::size_t more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() - index < more) {
-      return false;
-    }
-    // Longer forms than need be, surrogates and what lies beyond the last code point are
-    // ill-formed.
-    const auto second = static_cast<unsigned char>(text[index]);
-    if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
-        (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F) ||
-        !std::all_of(&text[index], &text[index] + more, is_continuation)) {
-      return false;
-    }
-    index += more;
-  }
-  return true;
-}
-
 /// UTF-8 as the store keeps it, in `buffer` if need be: ill-formed bytes are replaced.
 std::string_view Normalize(const ScannedText& text, std::string& buffer) {
-  if (text.ascii || IsWellFormedUtf8(text.bytes)) {
+  if (text.ascii || utils::IsWellFormedUtf8(text.bytes)) {
     return text.bytes;
   }
   buffer = utils::vemora_ustring::FromUtf8(text.bytes).ToUtf8();

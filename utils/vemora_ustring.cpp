@@ -14,6 +14,7 @@
 
 #include "utils/Ascii.h"
 #include "utils/CaseFolding.h"
+#include "utils/Utf8.h"
 #include "utils/WideFormat.h"
 #include "utils/Words.h"
 
@@ -21,7 +22,6 @@ namespace vemora::utils {
 namespace {
 
 constexpr std::size_t kConversionError = static_cast<std::size_t>(-1);
-constexpr char32_t kReplacementCharacter = 0xFFFD;
 
 constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -45,21 +45,7 @@ char32_t NextCodePoint(const CodeUnit* text, std::size_t length, std::size_t& in
   return ((unit - 0xD800) << 10) + (low - 0xDC00) + 0x10000;
 }
 
-/// @return behind the one or two units that it wrote
-CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
-  if (point < 0x10000) {
-    *out++ = static_cast<CodeUnit>(point);
-    return out;
-  }
-  *out++ = static_cast<CodeUnit>(0xD800 + ((point - 0x10000) >> 10));
-  *out++ = static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF));
-  return out;
-}
-
-/// How many units are written at once, at most.
-constexpr std::size_t kStep = 8;
-
-/// Appends the units that `write(out)` writes while `more` is true, up to `kStep` each time; many
+/// Appends the units that `write(out)` writes while `more` is true, up to `Utf8Decoder::kStep` each time; many
 /// units at a time, for a string grows slowly.
 /// @param write returns behind what it wrote
 template <typename More, typename Write>
@@ -68,7 +54,7 @@ void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
   std::array<CodeUnit, kBlock> block;
   while (more()) {
     CodeUnit* end = block.data();
-    while (more() && end + kStep <= block.data() + block.size()) {
+    while (more() && end + Utf8Decoder::kStep <= block.data() + block.size()) {
       end = write(end);
     }
     text.append(block.data(), end);
@@ -151,66 +137,6 @@ std::basic_string<CodeUnit> FromMultibyte(const char* text) {
   return FromWide(WideFromMultibyte(text));
 }
 
-/// How a lead byte begins a sequence: its length, the bits it contributes, and the range of the
-/// second byte, by which overlong forms and code points above U+10FFFF are refused.
-struct Utf8Lead {
-  std::size_t length;
-  char32_t bits;
-  char32_t second_low;
-  char32_t second_high;
-};
-
-Utf8Lead ClassifyLead(unsigned char lead) {
-  if (lead < 0x80) return {1, lead, 0, 0};
-  if (lead >= 0xC2 && lead <= 0xDF) return {2, lead & 0x1FU, 0x80, 0xBF};
-  if (lead == 0xE0) return {3, 0, 0xA0, 0xBF};
-  if (lead >= 0xE1 && lead <= 0xEF) return {3, lead & 0x0FU, 0x80, 0xBF};
-  if (lead == 0xF0) return {4, 0, 0x90, 0xBF};
-  if (lead >= 0xF1 && lead <= 0xF3) return {4, lead & 0x07U, 0x80, 0xBF};
-  if (lead == 0xF4) return {4, 4, 0x80, 0x8F};
-  return {0, 0, 0, 0};
-}
-
-/// Decodes the sequence at `index`, which is moved behind what was used.
-char32_t DecodeUtf8(std::string_view utf8, std::size_t& index) {
-  const Utf8Lead lead = ClassifyLead(static_cast<unsigned char>(utf8[index++]));
-  if (lead.length == 0) {
-    return kReplacementCharacter;
-  }
-  char32_t point = lead.bits;
-  char32_t low = lead.second_low;
-  char32_t high = lead.second_high;
-  for (std::size_t position = 1; position < lead.length; ++position) {
-    const char32_t byte = index < utf8.size() ? static_cast<unsigned char>(utf8[index]) : 0U;
-    if (byte < low || byte > high) {
-      return kReplacementCharacter;
-    }
-    point = (point << 6) | (byte & 0x3FU);
-    low = 0x80;
-    high = 0xBF;
-    ++index;
-  }
-  return point;
-}
-
-/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else one code point, where
-/// that comes first or where fewer than eight bytes are left.
-/// @return behind the units that it wrote
-CodeUnit* DecodeSome(std::string_view utf8, std::size_t& index, CodeUnit* out) {
-  if (utf8.size() - index >= kStep) {
-    const __m128i bytes = LoadEight(&utf8[index]);
-    const __m128i units = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), units);
-    const auto others = static_cast<unsigned>(_mm_movemask_epi8(bytes));
-    const std::size_t ascii = others != 0 ? CountTrailingZeros(others) : kStep;
-    if (ascii != 0) {
-      index += ascii;
-      return out + ascii;
-    }
-  }
-  return WriteCodePoint(out, DecodeUtf8(utf8, index));
-}
-
 void AppendUtf8(std::string& utf8, char32_t point) {
   const auto tail = [point](int shift) {
     return static_cast<char>(0x80 | ((point >> shift) & 0x3F));
@@ -267,11 +193,12 @@ vemora_ustring::vemora_ustring(const char* text) : Base(FromMultibyte(text)) {}
 vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vemora_ustring(text); }
 
 vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
-  std::size_t index = CountAscii(utf8.data(), utf8.size());
-  vemora_ustring text = FromAscii(utf8.data(), index);
+  const std::size_t ascii = CountAscii(utf8.data(), utf8.size());
+  vemora_ustring text = FromAscii(utf8.data(), ascii);
+  Utf8Decoder decoder(utf8.substr(ascii));
   AppendUnits(
-      text, [&] { return index < utf8.size(); },
-      [&](CodeUnit* out) { return DecodeSome(utf8, index, out); });
+      text, [&] { return !decoder.IsAtEnd(); },
+      [&](CodeUnit* out) { return decoder.DecodeSome(out); });
   return text;
 }
 

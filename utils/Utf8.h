@@ -1,0 +1,40 @@
+/// @file
+/// UTF-8 as code points and as code units. Internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "utils/vemora_ustring.h"
+
+namespace vemora::utils {
+
+/// Whether the text is UTF-8 throughout: no overlong forms, surrogates or code points that do not
+/// exist.
+bool IsWellFormedUtf8(std::string_view text);
+
+/// @return behind the one or two units that it wrote
+CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point);
+
+/// Decodes a text from its start to its end. What is ill-formed becomes U+FFFD, as
+/// `vemora_ustring::FromUtf8` says.
+class Utf8Decoder {
+ public:
+  /// How many units are written at once, at most.
+  static constexpr std::size_t kStep = 8;
+
+  explicit Utf8Decoder(std::string_view utf8) : utf8_(utf8) {}
+
+  bool IsAtEnd() const { return index_ == utf8_.size(); }
+
+  /// Decodes some more of the text, which is not at its end.
+  /// @param out has room for `kStep` units
+  /// @return behind the units that it wrote
+  CodeUnit* DecodeSome(CodeUnit* out);
+
+ private:
+  std::string_view utf8_;
+  std::size_t index_ = 0;
+};
+
+}  // namespace vemora::utils
