@@ -24,6 +24,29 @@ bool MayBePlain(char character) {
 
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
+/// The digits with which a text begins, eight at most. Eight bytes of it are looked at.
+struct Digits {
+  static constexpr std::size_t kMost = 8;
+
+  explicit Digits(const char* text) {
+    // Bytes as long as they are digits; what comes behind the first other may be anything.
+    const std::uint64_t word = utils::LoadWord(text) ^ 0x3030303030303030;
+    const std::uint64_t others = ((word + 0x7676767676767676) | word) & 0x8080808080808080;
+    count = others != 0 ? utils::CountTrailingZeros(others) / 8 : kMost;
+    if (count != 0) {
+      // As eight digits, then as four numbers of two and as two of four.
+      std::uint64_t digits = word << (8 * (kMost - count));
+      digits = digits * 10 + (digits >> 8);
+      digits = ((digits & 0xFF000000FF) * (100 + (1000000ULL << 32)) +
+                (digits >> 16 & 0xFF000000FF) * (1 + (10000ULL << 32))) >> 32;
+      value = static_cast<std::uint32_t>(digits);
+    }
+  }
+
+  unsigned count;
+  std::uint32_t value = 0;
+};
+
 /// Whether all of the text is a number that fits.
 template <typename Number>
 bool Convert(std::string_view text, Number& number) {
@@ -265,60 +288,50 @@ bool JsonScanner::ReadName(ScannedText& name) {
   return ReadString(name) && name.bytes.size() <= PreferenceMap::kLongestName && Take(':');
 }
 
-/// Reads a number of few digits, as nearly all are, by which its value is exact or rounded once:
-/// a whole number that every int can hold, or a fraction. False for any other.
+/// Reads a number of few digits, as nearly all are, by which its value is exact or rounded once: a
+/// whole number that every int can hold, or a fraction. False for any other.
 bool JsonScanner::ReadShortNumber(PreferenceValue& value) {
-  constexpr std::ptrdiff_t kMostIntDigits = std::numeric_limits<std::int32_t>::digits10;
-  constexpr std::ptrdiff_t kMostDigits = std::numeric_limits<double>::digits10;
-  static constexpr double kPowers[kMostDigits + 1] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                      1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-  std::int64_t digits = 0;
+  constexpr unsigned kMostDigits = std::numeric_limits<double>::digits10;
+  constexpr std::ptrdiff_t kLongest = sizeof("-.") - 1 + 2 * Digits::kMost;
+  static constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+  if (end_ - position_ < kLongest) {
+    return false;
+  }
   char* next = position_;
-  const auto read_digits = [&digits, &next](std::ptrdiff_t most) {
-    const char* const start = next;
-    while (IsDigit(*next) && next - start < most) {
-      digits = digits * 10 + (*next++ - '0');
-    }
-    return next - start;
-  };
   const bool negative = *next == '-';
   next += negative ? 1 : 0;
-  const char* const whole = next;
-  const std::ptrdiff_t whole_digits = read_digits(kMostIntDigits);
-  if (whole_digits == 0 || (*whole == '0' && whole_digits > 1)) {
+  const Digits whole(next);
+  if (whole.count == 0 || (*next == '0' && whole.count > 1)) {
     return false;
   }
-  std::ptrdiff_t fraction_digits = 0;
-  const bool is_whole = *next != '.';
-  if (!is_whole) {
-    ++next;
-    fraction_digits = read_digits(kMostDigits - whole_digits);
-    if (fraction_digits == 0) {
+  next += whole.count;
+  if (*next == '.') {
+    const Digits fraction(next + 1);
+    if (fraction.count == 0 || whole.count + fraction.count > kMostDigits) {
       return false;
     }
-  }
-  if (IsDigit(*next) || *next == 'e' || *next == 'E') {
-    return false;
+    next += 1 + fraction.count;
+    const double power = kPowers[fraction.count];
+    const double real = (whole.value * power + fraction.value) / power;
+    value = negative ? -real : real;
+  } else {
+    value = negative ? -static_cast<int>(whole.value) : static_cast<int>(whole.value);
   }
   position_ = next;
-  if (is_whole) {
-    value = static_cast<std::int32_t>(negative ? -digits : digits);
-  } else {
-    const double real = static_cast<double>(digits) / kPowers[fraction_digits];
-    value = negative ? -real : real;
-  }
-  return true;
+  return !IsDigit(*next) && *next != 'e' && *next != 'E';
 }
 
 bool JsonScanner::ReadNumber(PreferenceValue& value) {
+  char* const start = position_;
   if (ReadShortNumber(value)) {
     return true;
   }
-  const auto from = [this](const char* start) {
-    return std::string_view(start, static_cast<std::size_t>(position_ - start));
+  position_ = start;
+  value = {};
+  const auto from = [this](const char* first) {
+    return std::string_view(first, static_cast<std::size_t>(position_ - first));
   };
   NumberText number;
-  const char* const start = position_;
   position_ += *position_ == '-' ? 1 : 0;
   const char* const whole = position_;
   if (!SkipDigits() || (*whole == '0' && position_ != whole + 1)) {
