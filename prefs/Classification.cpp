@@ -15,12 +15,12 @@ Classification Classification::MakeBuiltIn() {
   for (const ShareLevelRow& row : ShareLevelRows()) {
     if (row.Category() != category) {
       category = row.Category();
-      classification.levels_.OpenCategory(category);
+      classification.levels_.OpenCategory(category, FoldedName(category));
     }
     // Preferences of other platforms stay unclassified here and so take the default level.
     if (row.Level() <= kWindowsOnly) {
-      const std::uint32_t hash =
-          classification.levels_.SetInOpenCategory(row.Key(), static_cast<int>(row.Level()));
+      const std::uint32_t hash = classification.levels_.SetInOpenCategory(
+          row.Key(), FoldedName(row.Key()), static_cast<int>(row.Level()));
       classification.SetGuess(hash, row.Level());
     }
   }

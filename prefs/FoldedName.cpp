@@ -222,10 +222,12 @@ template void FoldedName::Fold(const CodeUnit* units, std::size_t length);
 template void FoldedName::Fold(const char* utf8, std::size_t length);
 
 void FoldedName::FoldAny(const char* utf8, std::size_t length) {
-  FoldAny(length, [utf8, length](CodeUnit* out) {
-    for (utils::Utf8Decoder decoder({utf8, length}); !decoder.IsAtEnd();) {
+  FoldAny(length, [&](CodeUnit* out) {
+    utils::Utf8Decoder decoder({utf8, length});
+    while (!decoder.IsAtEnd()) {
       out = decoder.DecodeSome(out);
     }
+    well_formed_ = decoder.IsWellFormed();
     return out;
   });
 }

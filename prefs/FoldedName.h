@@ -30,7 +30,7 @@ class FoldedName {
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
   explicit FoldedName(const utils::vemora_ustring& name) { Fold(name.data(), name.size()); }
 
-  /// @param utf8 what `vemora_ustring::ToUtf8` gave
+  /// @param utf8 what is ill-formed counts as U+FFFD, as it does in `vemora_ustring::FromUtf8`
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): as above
   explicit FoldedName(std::string_view utf8) { Fold(utf8.data(), utf8.size()); }
 
@@ -38,6 +38,9 @@ class FoldedName {
 
   /// Whether the name itself is ASCII, not only its folded form.
   bool IsNameAscii() const { return name_ascii_; }
+
+  /// False for a name that was given as UTF-8 and is none throughout.
+  bool IsWellFormed() const { return well_formed_; }
 
   bool operator==(const FoldedName& other) const;
 
@@ -129,6 +132,7 @@ class FoldedName {
   Word hash_;
   Word tag_;  // the length in bytes, and whether the folded name is ASCII
   bool name_ascii_;
+  bool well_formed_ = true;
   std::unique_ptr<Word[]> heap_;  // the middle of a long name
   std::array<Word, kInlineWords> inline_;
 };

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "prefs/FoldedName.h"
 #include "prefs/JsonScanner.h"
 #include "utils/Utf8.h"
 #include "utils/vemora_ustring.h"
@@ -13,14 +14,29 @@ namespace vemora::prefs {
 
 namespace {
 
-/// UTF-8 as the store keeps it, in `buffer` if need be: ill-formed bytes are replaced.
-std::string_view Normalize(const ScannedText& text, std::string& buffer) {
-  if (text.ascii || utils::IsWellFormedUtf8(text.bytes)) {
-    return text.bytes;
-  }
-  buffer = utils::vemora_ustring::FromUtf8(text.bytes).ToUtf8();
+/// Ill-formed bytes are replaced, in `buffer`.
+std::string_view Replace(std::string_view bytes, std::string& buffer) {
+  buffer = utils::vemora_ustring::FromUtf8(bytes).ToUtf8();
   return buffer;
 }
+
+/// UTF-8 as the store keeps it, in `buffer` if need be.
+std::string_view Normalize(const ScannedText& text, std::string& buffer) {
+  return text.ascii || utils::IsWellFormedUtf8(text.bytes) ? text.bytes
+                                                           : Replace(text.bytes, buffer);
+}
+
+/// A name as the store keeps it, in `buffer` if need be.
+struct Name {
+  Name(const ScannedText& text, std::string& buffer) : utf8(text.bytes), folded(utf8) {
+    if (!folded.IsWellFormed()) {
+      utf8 = Replace(utf8, buffer);
+    }
+  }
+
+  std::string_view utf8;
+  FoldedName folded;
+};
 
 /// Reads one text. Its functions return false for what is malformed.
 class LevelsReader {
@@ -50,7 +66,8 @@ class LevelsReader {
       if (scanner_.Peek() != '{') {
         return scanner_.SkipValue();
       }
-      level.OpenCategory(Normalize(category, name_));
+      const Name name(category, name_);
+      level.OpenCategory(name.utf8, name.folded);
       level.EmptyOpenCategory();
       return scanner_.ReadObject(
           [&](const ScannedText& key) { return ReadPreference(level, key); });
@@ -69,7 +86,7 @@ class LevelsReader {
         if (!scanner_.ReadString(text)) {
           return false;
         }
-        level.SetInOpenCategory(Normalize(key, name_), Normalize(text, text_));
+        Set(level, key, Normalize(text, text_));
         return true;
       }
       default: {
@@ -78,11 +95,16 @@ class LevelsReader {
           return false;
         }
         if (value.GetKind() != PreferenceValue::kNone) {
-          level.SetInOpenCategory(Normalize(key, name_), value);
+          Set(level, key, value);
         }
         return true;
       }
     }
+  }
+
+  void Set(PreferenceMap& level, const ScannedText& key, const PreferenceValue& value) {
+    const Name name(key, name_);
+    level.SetInOpenCategory(name.utf8, name.folded, value);
   }
 
   JsonScanner scanner_;

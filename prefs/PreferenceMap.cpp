@@ -160,10 +160,11 @@ class PreferenceMap::Tables {
   void ChangeAll() noexcept;
   std::size_t GetFile() const { return file_; }
 
-  void OpenCategory(std::string_view name);
+  void OpenCategory(std::string_view name, const FoldedName& folded);
   void EmptyOpenCategory();
   void CloseCategories();
-  std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
+  std::uint32_t SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                                  const PreferenceValue& value);
 
   void ReserveFor(const Tables& other);
   void Adopt(Tables&& other);
@@ -381,8 +382,7 @@ void PreferenceMap::Tables::ChangeAll() noexcept {
   file_ = 0;
 }
 
-void PreferenceMap::Tables::OpenCategory(std::string_view name) {
-  const FoldedName folded(name);
+void PreferenceMap::Tables::OpenCategory(std::string_view name, const FoldedName& folded) {
   open_category_ = FindCategory(folded);
   if (open_category_ == kNone) {
     open_category_ = AddCategory(name, folded);
@@ -397,8 +397,8 @@ void PreferenceMap::Tables::EmptyOpenCategory() {
 }
 
 std::uint32_t PreferenceMap::Tables::SetInOpenCategory(std::string_view key,
+                                                       const FoldedName& folded,
                                                        const PreferenceValue& value) {
-  const FoldedName folded(key);
   const std::uint32_t hash = HashOfPair(CategoryAt(open_category_).hash, folded.Hash());
   const std::uint32_t ref = NewPreference(hash, folded, key, value);
   unslotted_.push_back({hash, ref});
@@ -735,12 +735,15 @@ void PreferenceMap::Adopt(PreferenceMap&& other) {
   }
 }
 
-void PreferenceMap::OpenCategory(std::string_view name) { MakeTables().OpenCategory(name); }
+void PreferenceMap::OpenCategory(std::string_view name, const FoldedName& folded) {
+  MakeTables().OpenCategory(name, folded);
+}
 
 void PreferenceMap::EmptyOpenCategory() { tables_->EmptyOpenCategory(); }
 
-std::uint32_t PreferenceMap::SetInOpenCategory(std::string_view key, const PreferenceValue& value) {
-  return tables_->SetInOpenCategory(key, value);
+std::uint32_t PreferenceMap::SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                                               const PreferenceValue& value) {
+  return tables_->SetInOpenCategory(key, folded, value);
 }
 
 void PreferenceMap::CloseCategories() {

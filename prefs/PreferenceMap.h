@@ -134,10 +134,11 @@ class PreferenceMap {
   /// filled until the next one is opened. Names are UTF-8. After the last one `CloseCategories`
   /// must be called, before the map is used for anything else.
   /// @{
-  void OpenCategory(std::string_view name);
+  void OpenCategory(std::string_view name, const FoldedName& folded);
   void EmptyOpenCategory();
   /// @return the hash of the pair
-  std::uint32_t SetInOpenCategory(std::string_view key, const PreferenceValue& value);
+  std::uint32_t SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                                  const PreferenceValue& value);
   void CloseCategories();
   /// @}
 

@@ -62,19 +62,8 @@ bool IsWellFormedUtf8(std::string_view text) {
   return true;
 }
 
-/// @return behind the one or two units that it wrote
-CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
-  if (point < 0x10000) {
-    *out++ = static_cast<CodeUnit>(point);
-    return out;
-  }
-  *out++ = static_cast<CodeUnit>(0xD800 + ((point - 0x10000) >> 10));
-  *out++ = static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF));
-  return out;
-}
-
-/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else one code point, where
-/// that comes first or where fewer than eight bytes are left.
+/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else sequences up to the
+/// next ASCII, or one character where fewer than eight bytes are left.
 CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
   if (utf8_.size() - index_ >= kStep) {
     const __m128i bytes = LoadEight(&utf8_[index_]);
@@ -87,9 +76,14 @@ CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
       return out + ascii;
     }
   }
-  char32_t point = 0;
-  const bool well_formed = DecodeSequence(utf8_, index_, point);
-  return WriteCodePoint(out, well_formed ? point : kReplacementCharacter);
+  CodeUnit* const last = out + kStep - 1;  // as long as two units fit
+  do {
+    char32_t point = 0;
+    const bool well_formed = DecodeSequence(utf8_, index_, point);
+    well_formed_ = well_formed_ && well_formed;
+    out = WriteCodePoint(out, well_formed ? point : kReplacementCharacter);
+  } while (!IsAtEnd() && !IsAscii(utf8_[index_]) && out < last);
+  return out;
 }
 
 }  // namespace vemora::utils

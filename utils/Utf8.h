@@ -14,7 +14,15 @@ namespace vemora::utils {
 bool IsWellFormedUtf8(std::string_view text);
 
 /// @return behind the one or two units that it wrote
-CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point);
+inline CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
+  if (point < 0x10000) {
+    *out++ = static_cast<CodeUnit>(point);
+    return out;
+  }
+  *out++ = static_cast<CodeUnit>(0xD800 + ((point - 0x10000) >> 10));
+  *out++ = static_cast<CodeUnit>(0xDC00 + ((point - 0x10000) & 0x3FF));
+  return out;
+}
 
 /// Decodes a text from its start to its end. What is ill-formed becomes U+FFFD, as
 /// `vemora_ustring::FromUtf8` says.
@@ -27,6 +35,9 @@ class Utf8Decoder {
 
   bool IsAtEnd() const { return index_ == utf8_.size(); }
 
+  /// Whether nothing ill-formed was found so far.
+  bool IsWellFormed() const { return well_formed_; }
+
   /// Decodes some more of the text, which is not at its end.
   /// @param out has room for `kStep` units
   /// @return behind the units that it wrote
@@ -35,6 +46,7 @@ class Utf8Decoder {
  private:
   std::string_view utf8_;
   std::size_t index_ = 0;
+  bool well_formed_ = true;
 };
 
 }  // namespace vemora::utils
