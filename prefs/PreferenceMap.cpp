@@ -215,7 +215,12 @@ class PreferenceMap::Tables {
     }
   }
 
-  Content MakeContent(const PreferenceValue& value);
+  /// Takes what it needs from the arena; the preferences do not change yet.
+  Content MakeContent(const PreferenceValue& value) {
+    return value.IsScalar() ? Content{value.GetKind(), value.GetScalar<Value>()}
+                            : MakeLargeContent(value);
+  }
+  Content MakeLargeContent(const PreferenceValue& value);
   TextHeader* NewText(std::string_view text);
 
   void DropValue(const Preference& preference) noexcept;
@@ -482,12 +487,10 @@ std::vector<const Preference*> PreferenceMap::Tables::GetPreferences(std::uint32
   return preferences;
 }
 
-/// Takes what it needs from the arena; the preferences do not change yet.
-PreferenceMap::Tables::Content PreferenceMap::Tables::MakeContent(const PreferenceValue& value) {
+PreferenceMap::Tables::Content PreferenceMap::Tables::MakeLargeContent(
+    const PreferenceValue& value) {
   Content content = {value.GetKind(), {}};
-  if (value.IsScalar()) {
-    content.value = value.GetScalar<Value>();
-  } else if (content.kind == Kind::kText) {
+  if (content.kind == Kind::kText) {
     content.value.text = NewText(value.GetText());
   } else {
     content.value.other = others_.size();
@@ -549,7 +552,7 @@ Preference& PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t 
 }
 
 /// A preference that is in no category yet.
-std::uint32_t PreferenceMap::Tables::NewPreference(std::uint32_t hash, const FoldedName& folded,
+inline std::uint32_t PreferenceMap::Tables::NewPreference(std::uint32_t hash, const FoldedName& folded,
                                                    std::string_view key,
                                                    const PreferenceValue& value) {
   const std::uint32_t length = CheckedLength(key);
@@ -579,7 +582,7 @@ void PreferenceMap::Tables::CopyPreference(std::uint32_t category, const Prefere
 }
 
 /// Puts a preference behind the others of its category.
-void PreferenceMap::Tables::Chain(std::uint32_t ref, std::uint32_t category) noexcept {
+inline void PreferenceMap::Tables::Chain(std::uint32_t ref, std::uint32_t category) noexcept {
   Preference& preference = At(ref);
   preference.category_ = category;
   preference.next_ = kNone;
