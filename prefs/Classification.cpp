@@ -9,49 +9,66 @@
 namespace vemora::prefs {
 
 Classification Classification::MakeBuiltIn() {
+  // Made once, for all names are ASCII, which folds alike in every locale.
+  static const std::shared_ptr<Known> built_in = MakeKnown();
   Classification classification;
-  classification.ReserveGuesses();
+  classification.known_ = built_in;
+  return classification;
+}
+
+std::shared_ptr<Classification::Known> Classification::MakeKnown() {
+  auto known = std::make_shared<Known>();
   std::string_view category;
   for (const ShareLevelRow& row : ShareLevelRows()) {
     if (row.Category() != category) {
       category = row.Category();
-      classification.levels_.OpenCategory(category, FoldedName(category));
+      known->levels.OpenCategory(category, FoldedName(category));
     }
     // Preferences of other platforms stay unclassified here and so take the default level.
     if (row.Level() <= kWindowsOnly) {
-      const std::uint32_t hash = classification.levels_.SetInOpenCategory(
-          row.Key(), FoldedName(row.Key()), static_cast<int>(row.Level()));
-      classification.SetGuess(hash, row.Level());
+      const std::uint32_t hash = known->levels.SetInOpenCategory(row.Key(), FoldedName(row.Key()),
+                                                                 static_cast<int>(row.Level()));
+      known->SetGuess(hash, row.Level());
     }
   }
-  classification.levels_.CloseCategories();
-  return classification;
+  known->levels.CloseCategories();
+  return known;
 }
 
 std::optional<EShareLevel> Classification::Find(const FoldedPair& pair) const {
-  const Preference* const level = levels_.Find(pair);
+  const Preference* const level = known_ != nullptr ? known_->levels.Find(pair) : nullptr;
   return level != nullptr ? std::optional(static_cast<EShareLevel>(*level->GetInt()))
                           : std::nullopt;
 }
 
 bool Classification::Set(const FoldedPair& pair, EShareLevel level) {
-  ReserveGuesses();
-  Preference* const known = levels_.Find(pair);
-  if (known != nullptr) {
-    levels_.Assign(*known, static_cast<int>(level));
+  Known& known = Own();
+  Preference* const found = known.levels.Find(pair);
+  if (found != nullptr) {
+    known.levels.Assign(*found, static_cast<int>(level));
   } else {
-    levels_.Add(pair, static_cast<int>(level));
+    known.levels.Add(pair, static_cast<int>(level));
   }
-  SetGuess(pair.hash, level);
-  return known == nullptr;
+  known.SetGuess(pair.hash, level);
+  return found == nullptr;
+}
+
+/// What is known, for this object to change.
+Classification::Known& Classification::Own() {
+  if (known_ == nullptr) {
+    known_ = std::make_shared<Known>();
+  } else if (known_.use_count() > 1) {
+    known_ = std::make_shared<Known>(*known_);
+  }
+  return *known_;
 }
 
 /// Pairs whose hashes begin alike share the guess.
-void Classification::SetGuess(std::uint32_t hash, EShareLevel level) noexcept {
+void Classification::Known::SetGuess(std::uint32_t hash, EShareLevel level) noexcept {
   // All levels beyond the last count as the one behind it.
   const std::uint32_t usable = std::min<std::uint32_t>(level, kShareLevelCount);
   const auto own = static_cast<std::uint8_t>(usable + 1);
-  std::uint8_t& guess = guesses_[IndexOf(hash)];
+  std::uint8_t& guess = guesses[IndexOf(hash)];
   guess = guess == kNoGuess || guess == own ? own : std::uint8_t{kUnsure + 1};
 }
 

@@ -2,17 +2,19 @@
 /// The share levels of known preferences. What it offers is internal to the library.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
-#include <vector>
 
 #include "prefs/PreferenceMap.h"
 #include "prefs/ShareLevel.h"
 
 namespace vemora::prefs {
 
-/// Which share level a pair of category and key belongs to, for the pairs that are known.
+/// Which share level a pair of category and key belongs to, for the pairs that are known. Copies
+/// share what they know until one of them is changed.
 class Classification {
  public:
   Classification() = default;
@@ -29,7 +31,7 @@ class Classification {
   /// The level of the pair with that hash, provided that it is known, or `kUnsure`. Its names are
   /// not looked at, so an unknown pair can have a guess, too. Nothing when it is surely unknown.
   std::optional<EShareLevel> Guess(std::uint32_t hash) const {
-    const unsigned guess = guesses_.empty() ? kNoGuess : guesses_[IndexOf(hash)];
+    const unsigned guess = known_ != nullptr ? known_->guesses[IndexOf(hash)] : kNoGuess;
     return guess != kNoGuess ? std::optional(static_cast<EShareLevel>(guess - 1)) : std::nullopt;
   }
 
@@ -42,13 +44,19 @@ class Classification {
 
   static std::size_t IndexOf(std::uint32_t hash) { return hash >> (32 - kGuessBits); }
 
-  void ReserveGuesses() { guesses_.resize(std::size_t{1} << kGuessBits, kNoGuess); }
-  void SetGuess(std::uint32_t hash, EShareLevel level) noexcept;
+  struct Known {
+    void SetGuess(std::uint32_t hash, EShareLevel level) noexcept;
 
-  PreferenceMap levels_;  // as whole numbers
-  /// Levels, counted from 1, and `kUnsure`. Far more than there are known pairs, for most names
-  /// that are looked for are none of these.
-  std::vector<std::uint8_t> guesses_;
+    PreferenceMap levels;  // as whole numbers
+    /// Levels, counted from 1, and `kUnsure`. Far more than there are known pairs, for most names
+    /// that are looked for are none of these.
+    std::array<std::uint8_t, std::size_t{1} << kGuessBits> guesses = {};
+  };
+
+  static std::shared_ptr<Known> MakeKnown();
+  Known& Own();
+
+  std::shared_ptr<Known> known_;  // none as long as nothing is
 };
 
 }  // namespace vemora::prefs
