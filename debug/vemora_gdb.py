@@ -119,11 +119,11 @@ class PreferencePrinter:
         kind = self.to_string()
         content = self._value["value_"]
         if kind == "kInt":
-            yield "value", content["scalar"]["integer"]
+            yield "value", content["integer"]
         elif kind == "kBool":
-            yield "value", content["scalar"]["boolean"]
+            yield "value", content["boolean"]
         elif kind == "kDouble":
-            yield "value", content["scalar"]["real"]
+            yield "value", content["real"]
         elif kind == "kText":
             yield "value", self._text_behind(content["text"], content["text"]["length"])
 

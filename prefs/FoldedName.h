@@ -39,7 +39,7 @@ class FoldedName {
   /// Whether the name itself is ASCII, not only its folded form.
   bool IsNameAscii() const { return name_ascii_; }
 
-  /// False for a name that was given as UTF-8 and is none throughout.
+  /// False for a name that was given as UTF-8 and is ill-formed.
   bool IsWellFormed() const { return well_formed_; }
 
   bool operator==(const FoldedName& other) const;

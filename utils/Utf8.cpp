@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 
 #include "utils/Ascii.h"
+#include "utils/CaseFolding.h"
 #include "utils/Words.h"
 
 namespace vemora::utils {
@@ -31,6 +32,7 @@ Utf8Lead ClassifyLead(unsigned char lead) {
 }
 
 /// Decodes the sequence at `index`, which is moved behind what was used; false when it is ill-formed.
+/// A surrogate in its 3-byte form is taken.
 bool DecodeSequence(std::string_view utf8, std::size_t& index, char32_t& point) {
   const Utf8Lead lead = ClassifyLead(static_cast<unsigned char>(utf8[index++]));
   point = lead.bits;
@@ -55,7 +57,7 @@ bool IsWellFormedUtf8(std::string_view text) {
   for (std::size_t index = 0; index < text.size();) {
     index += CountAscii(text.data() + index, text.size() - index);
     char32_t point = 0;
-    if (index < text.size() && !DecodeSequence(text, index, point)) {
+    if (index < text.size() && (!DecodeSequence(text, index, point) || IsSurrogate(point))) {
       return false;
     }
   }
@@ -80,7 +82,7 @@ CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
   do {
     char32_t point = 0;
     const bool well_formed = DecodeSequence(utf8_, index_, point);
-    well_formed_ = well_formed_ && well_formed;
+    well_formed_ = well_formed_ && well_formed && !IsSurrogate(point);
     out = WriteCodePoint(out, well_formed ? point : kReplacementCharacter);
   } while (!IsAtEnd() && !IsAscii(utf8_[index_]) && out < last);
   return out;

@@ -24,8 +24,8 @@ inline CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
   return out;
 }
 
-/// Decodes a text from its start to its end. What is ill-formed becomes U+FFFD, as
-/// `vemora_ustring::FromUtf8` says.
+/// Decodes a text from its start to its end. What is ill-formed becomes U+FFFD, but surrogates in
+/// their 3-byte form are taken.
 class Utf8Decoder {
  public:
   /// How many units are written at once, at most.
@@ -35,7 +35,7 @@ class Utf8Decoder {
 
   bool IsAtEnd() const { return index_ == utf8_.size(); }
 
-  /// Whether nothing ill-formed was found so far.
+  /// Whether what was decoded so far is well-formed, without surrogates.
   bool IsWellFormed() const { return well_formed_; }
 
   /// Decodes some more of the text, which is not at its end.

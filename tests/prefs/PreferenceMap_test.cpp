@@ -40,6 +40,14 @@ std::string TextOf(const PreferenceMap& map, const vemora_ustring& category,
   return found != nullptr && found->IsText() ? std::string(found->GetText()) : "none";
 }
 
+void OpenCategory(PreferenceMap& map, const std::string& name) {
+  map.OpenCategory(name, FoldedName(name));
+}
+
+void SetInOpenCategory(PreferenceMap& map, const std::string& key, int value) {
+  map.SetInOpenCategory(key, FoldedName(key), value);
+}
+
 bool Erase(PreferenceMap& map, const vemora_ustring& category, const vemora_ustring& key) {
   return map.Erase(FoldedPair(category, key));
 }
@@ -133,12 +141,12 @@ TEST(PreferenceMap, KeepsApartCategoriesWithWhichAKeyHasOneHash) {
   const auto [left, right] = testing::FindCollision(
       [&](const vemora_ustring& name) { return FoldedPair(name, key).hash; });
   PreferenceMap map;
-  map.OpenCategory(left.ToUtf8());
-  map.SetInOpenCategory("k", 1);
+  OpenCategory(map, left.ToUtf8());
+  SetInOpenCategory(map, "k", 1);
   map.CloseCategories();
   EXPECT_EQ(Find(map, right, key), nullptr);
-  map.OpenCategory(right.ToUtf8());
-  map.SetInOpenCategory("k", 2);
+  OpenCategory(map, right.ToUtf8());
+  SetInOpenCategory(map, "k", 2);
   map.CloseCategories();
   EXPECT_EQ(*Find(map, left, key)->GetInt(), 1);
   EXPECT_EQ(*Find(map, right, key)->GetInt(), 2);
@@ -205,10 +213,10 @@ TEST(PreferenceMap, LosesACategoryWithItsLastPreference) {
 TEST(PreferenceMap, EmptiesAnOpenCategory) {
   PreferenceMap map;
   Set(map, "C", "old", 1);
-  map.OpenCategory("c");
+  OpenCategory(map, "c");
   map.EmptyOpenCategory();
-  map.SetInOpenCategory("new", 2);
-  map.SetInOpenCategory("NEW", 3);
+  SetInOpenCategory(map, "new", 2);
+  SetInOpenCategory(map, "NEW", 3);
   map.CloseCategories();
   EXPECT_THAT(NamesOf(map), ElementsAre("C", " new"));
   EXPECT_EQ(*Find(map, "C", "new")->GetInt(), 3);
@@ -218,9 +226,9 @@ TEST(PreferenceMap, TakesKeysInAnyOrderAndTheLastOfEqualOnes) {
   PreferenceMap map;
   int value = 0;
   for (const char* category : {"B", "A", "b"}) {
-    map.OpenCategory(category);
+    OpenCategory(map, category);
     for (const char* key : {"m", "x", "X", "a", "M", "z"}) {
-      map.SetInOpenCategory(key, ++value);
+      SetInOpenCategory(map, key, ++value);
     }
   }
   map.CloseCategories();
@@ -232,7 +240,7 @@ TEST(PreferenceMap, TakesKeysInAnyOrderAndTheLastOfEqualOnes) {
 
 TEST(PreferenceMap, IsNotEmptyWithAnEmptyCategory) {
   PreferenceMap map;
-  map.OpenCategory("");
+  OpenCategory(map, "");
   map.CloseCategories();
   EXPECT_FALSE(map.Empty());
   EXPECT_THAT(NamesOf(map), ElementsAre(""));
