@@ -19,6 +19,7 @@ target_sources(CommonPreferences PUBLIC
     prefs/IPreferences.h
     prefs/JsonCommon.h
     prefs/PreferenceMap.h
+    prefs/PreferenceValue.h
     prefs/Preferences.h
     prefs/PreferencesBase.h
     prefs/PreferencesDefaults.h

@@ -38,7 +38,8 @@ struct Digits {
       std::uint64_t digits = word << (8 * (kMost - count));
       digits = digits * 10 + (digits >> 8);
       digits = ((digits & 0xFF000000FF) * (100 + (1000000ULL << 32)) +
-                (digits >> 16 & 0xFF000000FF) * (1 + (10000ULL << 32))) >> 32;
+                (digits >> 16 & 0xFF000000FF) * (1 + (10000ULL << 32))) >>
+               32;
       value = static_cast<std::uint32_t>(digits);
     }
   }

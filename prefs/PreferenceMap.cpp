@@ -552,9 +552,10 @@ Preference& PreferenceMap::Tables::Append(std::uint32_t category, std::uint32_t 
 }
 
 /// A preference that is in no category yet.
-inline std::uint32_t PreferenceMap::Tables::NewPreference(std::uint32_t hash, const FoldedName& folded,
-                                                   std::string_view key,
-                                                   const PreferenceValue& value) {
+inline std::uint32_t PreferenceMap::Tables::NewPreference(std::uint32_t hash,
+                                                          const FoldedName& folded,
+                                                          std::string_view key,
+                                                          const PreferenceValue& value) {
   const std::uint32_t length = CheckedLength(key);
   const std::uint32_t ref = arena_.Allocate(sizeof(Preference) + TailSize(key, folded));
   const Content content = MakeContent(value);

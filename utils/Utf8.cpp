@@ -31,8 +31,8 @@ Utf8Lead ClassifyLead(unsigned char lead) {
   return {0, 0, 0, 0};
 }
 
-/// Decodes the sequence at `index`, which is moved behind what was used; false when it is ill-formed.
-/// A surrogate in its 3-byte form is taken.
+/// Decodes the sequence at `index`, which is moved behind what was used; false when it is
+/// ill-formed. A surrogate in its 3-byte form is taken.
 bool DecodeSequence(std::string_view utf8, std::size_t& index, char32_t& point) {
   const Utf8Lead lead = ClassifyLead(static_cast<unsigned char>(utf8[index++]));
   point = lead.bits;

@@ -45,8 +45,8 @@ char32_t NextCodePoint(const CodeUnit* text, std::size_t length, std::size_t& in
   return ((unit - 0xD800) << 10) + (low - 0xDC00) + 0x10000;
 }
 
-/// Appends the units that `write(out)` writes while `more` is true, up to `Utf8Decoder::kStep` each time; many
-/// units at a time, for a string grows slowly.
+/// Appends the units that `write(out)` writes while `more` is true, up to `Utf8Decoder::kStep` each
+/// time; many units at a time, for a string grows slowly.
 /// @param write returns behind what it wrote
 template <typename More, typename Write>
 void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
