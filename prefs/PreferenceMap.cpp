@@ -43,9 +43,26 @@ std::size_t TailSize(std::string_view name, const FoldedName& folded) {
   return PaddedSize(name.size()) + (folded.IsNameAscii() ? 0 : folded.ImageSize());
 }
 
+/// Copies a name. One of 8 to 32 bytes, as nearly all are, is its first two words and its last two,
+/// which overlap as they must.
+void CopyName(const char* name, std::size_t length, char* out) {
+  constexpr std::size_t kWord = 8;
+  if (length < kWord || length > 4 * kWord) {
+    std::copy(name, name + length, out);
+    return;
+  }
+  const std::size_t last = length - kWord;
+  const std::size_t third = std::max(length, 2 * kWord) - 2 * kWord;
+  const std::size_t second = std::min(kWord, last);
+  std::memcpy(out, name, kWord);
+  std::memcpy(out + second, name + second, kWord);
+  std::memcpy(out + third, name + third, kWord);
+  std::memcpy(out + last, name + last, kWord);
+}
+
 void WriteTail(char* tail, std::string_view name, const FoldedName& folded) {
   std::memset(tail + PaddedSize(name.size()) - 8, 0, 8);
-  std::copy(name.begin(), name.end(), tail);
+  CopyName(name.data(), name.size(), tail);
   if (!folded.IsNameAscii()) {
     folded.WriteImage(tail + PaddedSize(name.size()));
   }
