@@ -101,6 +101,7 @@ class JsonScanner {
 
   char* position_;
   const char* end_;
+  unsigned last_space_ = 0;  // how many characters of white space there were, modulo whole blocks
 };
 
 }  // namespace vemora::prefs
