@@ -191,6 +191,8 @@ bool FoldedName::EqualsImage(const void* image) const {
 
 template <typename Unit>
 void FoldedName::Fold(const Unit* units, std::size_t length) {
+  name_ascii_ = true;
+  well_formed_ = true;
   if (length > kInlineBytes) {
     FoldAny(units, length);
     return;
@@ -206,7 +208,6 @@ void FoldedName::Fold(const Unit* units, std::size_t length) {
     ends_ = {_mm_set1_epi64x(word), _mm_set1_epi64x(word)};
   }
   tag_ = MakeTag(length, true);
-  name_ascii_ = true;
   hash_ = HashEnds();
   for (std::size_t index = 0; index < MiddleWords(length); ++index) {
     const Unit* const eight = units + kEndSize + index * kWordSize;
@@ -233,7 +234,10 @@ void FoldedName::FoldAny(const char* utf8, std::size_t length) {
 }
 
 void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
-  FoldAny(length, [units, length](CodeUnit* out) { return std::copy_n(units, length, out); });
+  FoldAny(length, [units, length](CodeUnit* out) {
+    std::memcpy(out, units, length * sizeof(CodeUnit));
+    return out + length;
+  });
 }
 
 /// For names that are long or not all ASCII.
@@ -251,7 +255,6 @@ void FoldedName::FoldAny(std::size_t most, Write write) {
   CodeUnit* const end = write(folded);
   const auto length = static_cast<std::size_t>(end - folded);
   std::memset(end, 0, kUnitsInBlock * sizeof(CodeUnit));
-  name_ascii_ = true;
   // Folding can lead from outside into ASCII, as from the long s to the S.
   bool ascii = true;
   for (std::size_t index = 0; index < length; index += kUnitsInBlock) {

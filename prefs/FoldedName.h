@@ -132,7 +132,7 @@ class FoldedName {
   Word hash_;
   Word tag_;  // the length in bytes, and whether the folded name is ASCII
   bool name_ascii_;
-  bool well_formed_ = true;
+  bool well_formed_;
   std::unique_ptr<Word[]> heap_;  // the middle of a long name
   std::array<Word, kInlineWords> inline_;
 };

@@ -61,6 +61,13 @@ void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
   }
 }
 
+void AppendDecoded(std::basic_string<CodeUnit>& text, std::string_view utf8) {
+  Utf8Decoder decoder(utf8);
+  AppendUnits(
+      text, [&] { return !decoder.IsAtEnd(); },
+      [&](CodeUnit* out) { return decoder.DecodeSome(out); });
+}
+
 /// Widens ASCII, which no locale changes.
 std::basic_string<CodeUnit> FromAscii(const char* text, std::size_t length) {
   const auto* const bytes = reinterpret_cast<const unsigned char*>(text);
@@ -195,10 +202,9 @@ vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vem
 vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
   const std::size_t ascii = CountAscii(utf8.data(), utf8.size());
   vemora_ustring text = FromAscii(utf8.data(), ascii);
-  Utf8Decoder decoder(utf8.substr(ascii));
-  AppendUnits(
-      text, [&] { return !decoder.IsAtEnd(); },
-      [&](CodeUnit* out) { return decoder.DecodeSome(out); });
+  if (ascii != utf8.size()) {
+    AppendDecoded(text, utf8.substr(ascii));
+  }
   return text;
 }
 
