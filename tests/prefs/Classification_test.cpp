@@ -85,6 +85,26 @@ TEST(Classification, GuessesTheLevelOfBuiltInPairsOrIsUnsureOfAFew) {
   EXPECT_LE(unsure, table.size() / 10);
 }
 
+TEST(Classification, ChangesWithoutItsCopies) {
+  Classification classification;
+  const FoldedPair pair(kCategory, kKey);
+  classification.Set(pair, kWebOnly);
+  const Classification copy = classification;
+  classification.Set(pair, kMacOnly);
+  EXPECT_EQ(classification.Find(pair), kMacOnly);
+  EXPECT_EQ(copy.Find(pair), kWebOnly);
+  EXPECT_EQ(copy.Guess(pair.hash), kWebOnly);
+}
+
+TEST(Classification, IsBuiltInAnewWhateverBecameOfAnEarlierOne) {
+  const FoldedPair pair(kCategory, kKey);
+  Classification changed = Classification::MakeBuiltIn();
+  ASSERT_EQ(changed.Find(pair), std::nullopt);
+  changed.Set(pair, kWebOnly);
+  EXPECT_EQ(changed.Find(pair), kWebOnly);
+  EXPECT_EQ(Classification::MakeBuiltIn().Find(pair), std::nullopt);
+}
+
 TEST(Classification, GuessesNoUsableLevelForOneThatCanHoldNothing) {
   Classification classification;
   const FoldedPair pair(kCategory, kKey);

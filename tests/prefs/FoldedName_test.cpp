@@ -168,6 +168,23 @@ TEST_P(FoldedNameInLocale, WithALetterThatFoldsIntoAsciiEqualsWhatCompareNoCaseT
   ExpectEqualToWhatCompareNoCaseTakesForEqual("\xC5\xBF", {"s", "S", "t"});
 }
 
+TEST(FoldedName, TellsWhetherStoredBytesAreWellFormed) {
+  for (std::size_t length = 0; length <= kLongest; ++length) {
+    EXPECT_TRUE(FromText(Lower(length)).IsWellFormed());
+    EXPECT_TRUE(FromStored(Lower(length)).IsWellFormed());
+    EXPECT_TRUE(FromStored(Lower(length) + "\xC3\xA4").IsWellFormed());
+    EXPECT_FALSE(FromStored(Lower(length) + "\xC3").IsWellFormed());
+    EXPECT_FALSE(FromStored("\xED\xA0\x80" + Lower(length)).IsWellFormed());
+  }
+}
+
+TEST(FoldedName, OfIllFormedBytesIsThatOfTheirReplacement) {
+  for (const char* const bytes : {"\xC3", "a\xFFz", "\xED\xA0\xBD\xED\xB8\x80", "\xE6\x97x"}) {
+    EXPECT_TRUE(FromStored(bytes) == FromText(bytes)) << bytes;
+    EXPECT_TRUE(FromStored(bytes) == FromStored(Utf8(bytes).ToUtf8())) << bytes;
+  }
+}
+
 TEST(FoldedPair, HasAnotherHashWhenTheNamesChangePlaces) {
   const vemora_ustring left = "left";
   const vemora_ustring right = "right";

@@ -2,6 +2,7 @@
 #include <clocale>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <initializer_list>
@@ -478,6 +479,28 @@ TEST_F(JsonFilesLoad, ReadsNumbersOfAnyLength) {
   EXPECT_EQ(store.ReadDouble("C", "zero", 1), 0.0);
 }
 
+TEST_F(JsonFilesLoad, ReadsNumbersOfAnyDigitsAlikeWithMuchAndWithLittleBehindThem) {
+  for (std::size_t whole = 1; whole < 20; ++whole) {
+    for (std::size_t fraction = 0; fraction < 20; ++fraction) {
+      const std::string digits = "98765432109876543210";
+      const std::string number =
+          "-" + digits.substr(0, whole) + (fraction != 0 ? "." + digits.substr(20 - fraction) : "");
+      LoadPrivate(FileOf("\"much\": " + number + ", \"" + std::string(40, 'x') +
+                         "\": 1, \"little\": " + number));
+      const Variant much = store.GetValueFromMaps("C", "much");
+      const Variant little = store.GetValueFromMaps("C", "little");
+      ASSERT_EQ(much.GetType(), little.GetType()) << number;
+      if (fraction != 0) {
+        EXPECT_EQ(much.GetDouble(), std::strtod(number.c_str(), nullptr)) << number;
+        EXPECT_EQ(little.GetDouble(), much.GetDouble()) << number;
+      } else if (whole < 10) {
+        EXPECT_EQ(much.GetInt(), std::stoi(number)) << number;
+        EXPECT_EQ(little.GetInt(), much.GetInt()) << number;
+      }
+    }
+  }
+}
+
 /// Numbers that no double can hold are malformed to the parser.
 class JsonFilesTooLargeNumber : public StoreTest,
                                 public ::testing::WithParamInterface<std::string> {};
@@ -577,6 +600,24 @@ TEST_F(JsonFilesLoad, SkipsOneByteOrderMarkOnly) {
 TEST_F(JsonFilesLoad, TakesAnyWhiteSpaceBetweenTokens) {
   LoadPrivate("\r\n\t {\r\n\"0\"\t:\r{ \"C\" :{\"key\"\n:\n1\r}\t}\n}\r\n \t");
   EXPECT_EQ(store.ReadInt("C", "key", 0), 1);
+}
+
+TEST_F(JsonFilesLoad, TakesLinesWithAsMuchAndAsLittleWhiteSpaceAsTheyLike) {
+  std::string members;
+  std::vector<std::size_t> lengths;
+  for (std::size_t first = 0; first < 36; ++first) {
+    for (const std::size_t second : {first, first, first + 1, 35 - first, std::size_t{0}}) {
+      members += (lengths.empty() ? "" : ",") +
+                 std::string(second, lengths.size() % 2 ? ' ' : '\n') + "\"" +
+                 std::to_string(lengths.size()) + "\": " + std::to_string(second);
+      lengths.push_back(second);
+    }
+  }
+  LoadPrivate(FileOf(members));
+  for (std::size_t index = 0; index < lengths.size(); ++index) {
+    EXPECT_EQ(store.ReadInt("C", std::to_string(index).c_str(), -1),
+              static_cast<int>(lengths[index]));
+  }
 }
 
 class JsonFilesDirty : public StoreTest {};
