@@ -2,6 +2,8 @@
 
 #include <map>
 #include <random>
+#include <utility>
+#include <vector>
 
 #include "support.h"
 
@@ -47,6 +49,30 @@ TEST(SlotTable, AsksTheCallerAmongNumbersWithOneHash) {
   }
   EXPECT_EQ(FindExactly(table, 7, 99), 99U);
   EXPECT_EQ(FindExactly(table, 7, 100), SlotTable::kNone);
+}
+
+TEST(SlotTable, AddsManyButThoseThatTheCallerTakesForOthers) {
+  SlotTable table;
+  std::vector<SlotTable::Slot> slots;
+  for (std::uint32_t number = 0; number < 100; ++number) {
+    slots.push_back({number % 10, number});
+  }
+  table.Reserve(slots.size());
+  // Numbers of one hash are one when they are in the same half.
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> replaced;
+  table.Add(slots, [&](std::uint32_t other, std::uint32_t number) {
+    const bool same = other / 50 == number / 50;
+    if (same) {
+      replaced.emplace_back(other, number);
+    }
+    return same;
+  });
+  EXPECT_EQ(table.Count(), 20U);
+  EXPECT_EQ(replaced.size(), 80U);
+  for (std::uint32_t number = 0; number < 100; ++number) {
+    const bool is_first = number % 50 < 10;
+    EXPECT_EQ(FindExactly(table, number % 10, number), is_first ? number : SlotTable::kNone);
+  }
 }
 
 TEST(SlotTable, RemovesOneOfEqualNumbersByItsHash) {
