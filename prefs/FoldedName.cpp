@@ -223,7 +223,7 @@ template void FoldedName::Fold(const CodeUnit* units, std::size_t length);
 template void FoldedName::Fold(const char* utf8, std::size_t length);
 
 void FoldedName::FoldAny(const char* utf8, std::size_t length) {
-  FoldAny(length, [&](CodeUnit* out) {
+  FoldUnits(length, [&](CodeUnit* out) {
     utils::Utf8Decoder decoder({utf8, length});
     while (!decoder.IsAtEnd()) {
       out = decoder.DecodeSome(out);
@@ -234,7 +234,7 @@ void FoldedName::FoldAny(const char* utf8, std::size_t length) {
 }
 
 void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
-  FoldAny(length, [units, length](CodeUnit* out) {
+  FoldUnits(length, [units, length](CodeUnit* out) {
     std::memcpy(out, units, length * sizeof(CodeUnit));
     return out + length;
   });
@@ -243,7 +243,7 @@ void FoldedName::FoldAny(const CodeUnit* units, std::size_t length) {
 /// For names that are long or not all ASCII.
 /// @param write writes up to `most` units, up to eight at a time, and returns behind them
 template <typename Write>
-void FoldedName::FoldAny(std::size_t most, Write write) {
+void FoldedName::FoldUnits(std::size_t most, Write write) {
   constexpr std::size_t kShort = kInlineBytes / sizeof(CodeUnit);
   std::array<CodeUnit, kShort + kUnitsInBlock> short_name;
   std::unique_ptr<CodeUnit[]> long_name;

@@ -118,7 +118,7 @@ class FoldedName {
   void FoldAny(const utils::CodeUnit* units, std::size_t length);
   void FoldAny(const char* utf8, std::size_t length);
   template <typename Write>
-  void FoldAny(std::size_t most, Write write);
+  void FoldUnits(std::size_t most, Write write);
   void SetBytes(const char* folded, std::size_t length, bool ascii);
   Word HashEnds() const;
   bool EqualsMiddle(const char* ascii) const;

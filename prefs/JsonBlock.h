@@ -17,7 +17,12 @@ inline JsonBlock Equals(JsonBlock block, char character) {
 /// A bit for each byte, the first one lowest: its highest one.
 inline unsigned ToBits(JsonBlock block) { return static_cast<unsigned>(_mm_movemask_epi8(block)); }
 
-/// A bit for each byte that a string cannot have as it is: quotes, backslashes, control characters.
+/// Whether a string cannot have that byte as it is: quotes, backslashes, control characters.
+inline bool IsSpecial(char character) {
+  return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
+}
+
+/// A bit for each such byte.
 inline unsigned FindSpecial(JsonBlock block) {
   const JsonBlock control = _mm_cmpeq_epi8(_mm_min_epu8(block, _mm_set1_epi8(0x1F)), block);
   return ToBits(_mm_or_si128(control, _mm_or_si128(Equals(block, '"'), Equals(block, '\\'))));

@@ -18,10 +18,6 @@ namespace vemora::prefs {
 
 namespace {
 
-bool MayBePlain(char character) {
-  return static_cast<unsigned char>(character) >= ' ' && character != '"' && character != '\\';
-}
-
 bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 /// The digits with which a text begins, eight at most. Eight bytes of it are looked at.
@@ -433,7 +429,7 @@ bool JsonScanner::SkipPlainCharacters() {
     }
     position += 2 * kBlockSize;
   }
-  for (; MayBePlain(*position); ++position) {
+  for (; !IsSpecial(*position); ++position) {
     non_ascii |= utils::IsAscii(*position) ? 0 : 1;
   }
   position_ = position;

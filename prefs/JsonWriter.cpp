@@ -21,10 +21,6 @@ namespace {
 using Utf8 = rapidjson::UTF8<>;
 using Writer = rapidjson::Writer<JsonText, Utf8, Utf8, JsonAllocator>;
 
-bool IsSpecial(char character) {
-  return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
-}
-
 constexpr std::size_t kHalf = sizeof(JsonBlock) / 2;
 
 /// For texts of a block and more.

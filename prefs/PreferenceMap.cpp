@@ -268,7 +268,7 @@ class PreferenceMap::Tables {
   void ReserveForCategory();
   void LinkCategory(std::uint32_t ref) noexcept;
   void EmptyCategory(CategoryEntry& category) noexcept;
-  void MarkNone(Preference& preference) noexcept;
+  void MarkErased(Preference& preference) noexcept;
 
   Arena arena_;
   SlotTable preference_slots_;
@@ -336,7 +336,7 @@ void PreferenceMap::Tables::Add(const FoldedPair& pair, const PreferenceValue& v
 void PreferenceMap::Tables::Erase(Preference& preference) noexcept {
   const auto is_it = [&](std::uint32_t ref) { return &At(ref) == &preference; };
   preference_slots_.Remove(preference.hash_, preference_slots_.Find(preference.hash_, is_it));
-  MarkNone(preference);
+  MarkErased(preference);
   if (--CategoryAt(preference.category_).count == 0) {
     EraseCategory(preference.category_);
   }
@@ -652,7 +652,7 @@ void PreferenceMap::Tables::LinkCategory(std::uint32_t ref) noexcept {
 void PreferenceMap::Tables::EmptyCategory(CategoryEntry& category) noexcept {
   ForEachOf(category, [this](std::uint32_t ref) {
     preference_slots_.Remove(At(ref).hash_, ref);
-    MarkNone(At(ref));
+    MarkErased(At(ref));
   });
   category.count = 0;
   category.first = kNone;
@@ -668,7 +668,7 @@ void PreferenceMap::Tables::DropValue(const Preference& preference) noexcept {
   }
 }
 
-void PreferenceMap::Tables::MarkNone(Preference& preference) noexcept {
+void PreferenceMap::Tables::MarkErased(Preference& preference) noexcept {
   DropValue(preference);
   preference.kind_ = Kind::kNone;
   wasted_ += SizeOf(preference);

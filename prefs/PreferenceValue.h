@@ -50,7 +50,7 @@ class PreferenceValue {
   }
 
   Kind kind_ = kNone;
-  std::uint64_t scalar_ = 0;  // a number, for unions are slow to pass on
+  std::uint64_t scalar_ = 0;  // its bytes: compilers pass on unions through memory
   std::string_view text_;
   const utils::Variant* other_ = nullptr;
 };

@@ -312,7 +312,7 @@ MUTANTS = [
            "found - kHalf + last", "found - kHalf"),
     Mutant("json writer: the last block is not looked at", "prefs/JsonWriter.cpp",
            "if (index == last) {", "if (index + sizeof(JsonBlock) > last) {"),
-    Mutant("json writer: control characters unescaped", "prefs/JsonWriter.cpp",
+    Mutant("json: control characters unescaped in short texts", "prefs/JsonBlock.h",
            "static_cast<unsigned char>(character) < 0x20", "static_cast<unsigned char>(character) < 0x1F"),
     Mutant("json scanner: whole numbers cut to 32 bits", "prefs/JsonScanner.cpp",
            "Convert(number.all, large_integer)) {\n      return true;", "Convert(number.all, large_integer)) {\n      value = static_cast<std::int32_t>(signed_integer);\n      return true;"),
