@@ -170,6 +170,12 @@ TEST_P(JsonRobustnessMalformed, ValueMakesTheWholeFileIgnored) {
             unchanged);
 }
 
+TEST_P(JsonRobustnessMalformed, ValueWithMuchBehindItMakesTheWholeFileIgnored) {
+  EXPECT_EQ(SavedAfterLoading(R"({"0": {"C": {"a": 1, "k": )" + GetParam() + R"(, "z": ")" +
+                              std::string(100, 'z') + R"("}}})"),
+            unchanged);
+}
+
 INSTANTIATE_TEST_SUITE_P(Number, JsonRobustnessMalformed,
                          ::testing::Values("+1", "-", "--1", "- 1", "01", "-01", "00", ".5", "-.5",
                                            "1.", "1.e5", "1e", "1e+", "1e-", "1E", "1e1.5", "0x10",
