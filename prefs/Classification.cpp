@@ -17,40 +17,54 @@ Classification Classification::MakeBuiltIn() {
 }
 
 std::shared_ptr<Classification::Known> Classification::MakeKnown() {
+  const ShareLevelRows rows;
   auto known = std::make_shared<Known>();
+  known->rows.Reserve(static_cast<std::size_t>(rows.end() - rows.begin()));
   std::string_view category;
-  for (const ShareLevelRow& row : ShareLevelRows()) {
+  std::uint64_t category_hash = 0;
+  for (const ShareLevelRow& row : rows) {
     if (row.Category() != category) {
       category = row.Category();
-      known->levels.OpenCategory(category, FoldedName(category));
+      category_hash = FoldedName(category).Hash();
     }
     // Preferences of other platforms stay unclassified here and so take the default level.
     if (row.Level() <= kWindowsOnly) {
-      const std::uint32_t hash = known->levels.SetInOpenCategory(row.Key(), FoldedName(row.Key()),
-                                                                 static_cast<int>(row.Level()));
+      const std::uint32_t hash = HashOfPair(category_hash, FoldedName(row.Key()).Hash());
+      known->rows.Add(hash, static_cast<std::uint32_t>(&row - rows.begin()));
       known->SetGuess(hash, row.Level());
     }
   }
-  known->levels.CloseCategories();
   return known;
 }
 
+bool Classification::IsRowOf(std::uint32_t row, const FoldedPair& pair) {
+  const ShareLevelRow& names = ShareLevelRows().begin()[row];
+  return FoldedName(names.Key()) == pair.key && FoldedName(names.Category()) == pair.category;
+}
+
 std::optional<EShareLevel> Classification::Find(const FoldedPair& pair) const {
-  const Preference* const level = known_ != nullptr ? known_->levels.Find(pair) : nullptr;
-  return level != nullptr ? std::optional(static_cast<EShareLevel>(*level->GetInt()))
-                          : std::nullopt;
+  if (known_ == nullptr) {
+    return std::nullopt;
+  }
+  if (const Preference* const level = known_->levels.Find(pair)) {
+    return static_cast<EShareLevel>(*level->GetInt());
+  }
+  const std::uint32_t row =
+      known_->rows.Find(pair.hash, [&pair](std::uint32_t found) { return IsRowOf(found, pair); });
+  return row != SlotTable::kNone ? std::optional(ShareLevelRows().begin()[row].Level())
+                                 : std::nullopt;
 }
 
 bool Classification::Set(const FoldedPair& pair, EShareLevel level) {
+  const bool is_new = !Find(pair).has_value();
   Known& known = Own();
-  Preference* const found = known.levels.Find(pair);
-  if (found != nullptr) {
+  if (Preference* const found = known.levels.Find(pair)) {
     known.levels.Assign(*found, static_cast<int>(level));
   } else {
     known.levels.Add(pair, static_cast<int>(level));
   }
   known.SetGuess(pair.hash, level);
-  return found == nullptr;
+  return is_new;
 }
 
 /// What is known, for this object to change.

@@ -10,6 +10,7 @@
 
 #include "prefs/PreferenceMap.h"
 #include "prefs/ShareLevel.h"
+#include "prefs/SlotTable.h"
 
 namespace vemora::prefs {
 
@@ -47,13 +48,15 @@ class Classification {
   struct Known {
     void SetGuess(std::uint32_t hash, EShareLevel level) noexcept;
 
-    PreferenceMap levels;  // as whole numbers
+    SlotTable rows;        // of the built-in table, by the hashes of their pairs
+    PreferenceMap levels;  // of pairs that were added or have another one there; as whole numbers
     /// Levels, counted from 1, and `kUnsure`. Far more than there are known pairs, for most names
     /// that are looked for are none of these.
     std::array<std::uint8_t, std::size_t{1} << kGuessBits> guesses = {};
   };
 
   static std::shared_ptr<Known> MakeKnown();
+  static bool IsRowOf(std::uint32_t row, const FoldedPair& pair);
   Known& Own();
 
   std::shared_ptr<Known> known_;  // none as long as nothing is
