@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <deque>
 #include <iterator>
 #include <limits>
 #include <new>
+#include <numeric>
 #include <optional>
 #include <set>
 #include <stdexcept>
@@ -259,6 +259,7 @@ class PreferenceMap::Tables {
   std::uint32_t NewPreference(std::uint32_t hash, const FoldedName& folded, std::string_view key,
                               const PreferenceValue& value);
   void Chain(std::uint32_t ref, std::uint32_t category) noexcept;
+  void AddUnslotted(SlotTable::Slot slot);
   static bool IsSamePreference(const Preference& left, const Preference& right);
   void MoveValue(Preference& from, Preference& to) noexcept;
   std::uint32_t AddCategory(std::string_view name, const FoldedName& folded);
@@ -278,7 +279,9 @@ class PreferenceMap::Tables {
   std::size_t live_categories_ = 0;
   std::size_t wasted_ = 0;  // bytes
   std::uint32_t open_category_ = kNone;
-  std::deque<SlotTable::Slot> unslotted_;  // what `CloseCategories` puts into the table
+  /// What `CloseCategories` puts into the table, in pieces of one size, for one large vector would
+  /// be copied as it grows.
+  std::vector<std::vector<SlotTable::Slot>> unslotted_;
   std::set<std::pair<vemora_ustring, std::optional<vemora_ustring>>> erased_;
   bool has_changes_ = false;  // of preferences that fit into a file
   std::size_t file_ = 0;
@@ -423,21 +426,33 @@ std::uint32_t PreferenceMap::Tables::SetInOpenCategory(std::string_view key,
                                                        const PreferenceValue& value) {
   const std::uint32_t hash = HashOfPair(CategoryAt(open_category_).hash, folded.Hash());
   const std::uint32_t ref = NewPreference(hash, folded, key, value);
-  unslotted_.push_back({hash, ref});
+  AddUnslotted({hash, ref});
   Chain(ref, open_category_);
   return hash;
 }
 
+void PreferenceMap::Tables::AddUnslotted(SlotTable::Slot slot) {
+  constexpr std::size_t kPiece = 256;
+  if (unslotted_.empty() || unslotted_.back().size() == kPiece) {
+    unslotted_.emplace_back().reserve(kPiece);
+  }
+  unslotted_.back().push_back(slot);
+}
+
 /// Of preferences that share a name the first one stays, with the value of the last one.
 void PreferenceMap::Tables::CloseCategories() {
-  preference_slots_.Reserve(unslotted_.size());
-  preference_slots_.Add(unslotted_, [this](std::uint32_t first, std::uint32_t later) {
-    if (!IsSamePreference(At(first), At(later))) {
-      return false;
-    }
-    MoveValue(At(later), At(first));
-    return true;
-  });
+  const auto add_size = [](std::size_t sum, const auto& piece) { return sum + piece.size(); };
+  preference_slots_.Reserve(
+      std::accumulate(unslotted_.begin(), unslotted_.end(), std::size_t{0}, add_size));
+  for (const std::vector<SlotTable::Slot>& piece : unslotted_) {
+    preference_slots_.Add(piece, [this](std::uint32_t first, std::uint32_t later) {
+      if (!IsSamePreference(At(first), At(later))) {
+        return false;
+      }
+      MoveValue(At(later), At(first));
+      return true;
+    });
+  }
   unslotted_ = {};
 }
 

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <vector>
 
 namespace vemora::prefs {
@@ -51,16 +50,14 @@ class SlotTable {
 
   /// The same for many, which is much faster than one at a time. A number for which
   /// `replaces(other, number)` is true for another one of that hash is left out.
-  template <typename Slots, typename Replaces>
-  void Add(const Slots& slots, Replaces replaces) {
+  template <typename Replaces>
+  void Add(const std::vector<Slot>& slots, Replaces replaces) {
     // In a large table nearly every slot is far away, so those of the next numbers are sent for.
     constexpr std::size_t kAhead = 16;
-    auto next = slots.begin();
-    std::advance(next, std::min(kAhead, slots.size()));
-    for (const Slot& added : slots) {
-      if (next != slots.end()) {
-        _mm_prefetch(reinterpret_cast<const char*>(&slots_[(next++)->hash & mask_]), _MM_HINT_T0);
-      }
+    for (std::size_t next = 0; next < slots.size(); ++next) {
+      const Slot& ahead = slots[std::min(next + kAhead, slots.size() - 1)];
+      _mm_prefetch(reinterpret_cast<const char*>(&slots_[ahead.hash & mask_]), _MM_HINT_T0);
+      const Slot& added = slots[next];
       std::size_t index = added.hash & mask_;
       while (slots_[index].number != kNone &&
              !(slots_[index].hash == added.hash && replaces(slots_[index].number, added.number))) {

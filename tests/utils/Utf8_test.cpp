@@ -48,6 +48,14 @@ std::vector<std::string> MakeTexts() {
       texts.push_back(texts.back() + sequence + sequence + texts.back());
     }
   }
+  // Steps that end before two units, which have room for one.
+  for (std::size_t count = 0; count < 20; ++count) {
+    std::string letters;
+    for (std::size_t letter = 0; letter < count; ++letter) {
+      letters += "\xC3\xA4";
+    }
+    texts.push_back(letters + "\xF0\x9F\x98\x80" + letters + "\xF0\x9F\x98\x80x");
+  }
   return texts;
 }
 
