@@ -248,7 +248,6 @@ bool JsonScanner::ReadPlainValue(PreferenceValue& value) {
       value = {};
       return ReadWord("null");
     default:
-      value = {};
       return ReadNumber(value);
   }
 }

@@ -98,8 +98,10 @@ Variant ToVariant(const PreferenceValue& value) {
       return value.GetScalar<double>();
     case PreferenceValue::kText:
       return vemora_ustring::FromUtf8(value.GetText());
-    default:
+    case PreferenceValue::kOther:
       return value.GetOther();
+    default:
+      return {};
   }
 }
 

@@ -2,6 +2,7 @@
 /// A value on its way into a preference. Internal to the library.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -17,12 +18,13 @@ class PreferenceValue {
   enum Kind : std::uint32_t { kInt, kBool, kDouble, kText, kOther, kNone };
 
   PreferenceValue() = default;
-  PreferenceValue(int integer) : kind_(kInt), scalar_(ToBits(integer)) {}
-  PreferenceValue(bool boolean) : kind_(kBool), scalar_(ToBits(boolean)) {}
-  PreferenceValue(double real) : kind_(kDouble), scalar_(ToBits(real)) {}
+  PreferenceValue(int integer) : kind_(kInt), bits_(ToBits(integer)) {}
+  PreferenceValue(bool boolean) : kind_(kBool), bits_(ToBits(boolean)) {}
+  PreferenceValue(double real) : kind_(kDouble), bits_(ToBits(real)) {}
   /// @param text UTF-8
-  PreferenceValue(std::string_view text) : kind_(kText), text_(text) {}
-  PreferenceValue(const utils::Variant* other) : kind_(kOther), other_(other) {}
+  PreferenceValue(std::string_view text)
+      : kind_(kText), bits_(text.size()), pointer_(text.data()) {}
+  PreferenceValue(const utils::Variant* other) : kind_(kOther), pointer_(other) {}
   /// Or other pointers would be taken for truth values.
   PreferenceValue(const void*) = delete;
 
@@ -34,11 +36,13 @@ class PreferenceValue {
   template <typename Scalar>
   Scalar GetScalar() const {
     Scalar scalar;
-    std::memcpy(&scalar, &scalar_, sizeof(scalar));
+    std::memcpy(&scalar, &bits_, sizeof(scalar));
     return scalar;
   }
-  std::string_view GetText() const { return text_; }
-  const utils::Variant& GetOther() const { return *other_; }
+  std::string_view GetText() const {
+    return {static_cast<const char*>(pointer_), static_cast<std::size_t>(bits_)};
+  }
+  const utils::Variant& GetOther() const { return *static_cast<const utils::Variant*>(pointer_); }
   /// @}
 
  private:
@@ -49,10 +53,10 @@ class PreferenceValue {
     return bits;
   }
 
+  // No union, for compilers pass on unions through memory.
   Kind kind_ = kNone;
-  std::uint64_t scalar_ = 0;  // its bytes: compilers pass on unions through memory
-  std::string_view text_;
-  const utils::Variant* other_ = nullptr;
+  std::uint64_t bits_ = 0;         // of a scalar, or the size of a text
+  const void* pointer_ = nullptr;  // to the bytes of a text, or to a Variant
 };
 
 }  // namespace vemora::prefs
