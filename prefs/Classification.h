@@ -48,8 +48,9 @@ class Classification {
   struct Known {
     void SetGuess(std::uint32_t hash, EShareLevel level) noexcept;
 
-    SlotTable rows;        // of the built-in table, by the hashes of their pairs
-    PreferenceMap levels;  // of pairs that were added or have another one there; as whole numbers
+    SlotTable rows;  // of the built-in table, by the hashes of their pairs
+    /// As whole numbers: of pairs that were added, or whose level is no longer that of the table.
+    PreferenceMap levels;
     /// Levels, counted from 1, and `kUnsure`. Far more than there are known pairs, for most names
     /// that are looked for are none of these.
     std::array<std::uint8_t, std::size_t{1} << kGuessBits> guesses = {};

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <typeinfo>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "prefs/FoldedName.h"

@@ -22,7 +22,7 @@ bool IsDigit(char character) { return character >= '0' && character <= '9'; }
 
 /// The digits with which a text begins, eight at most. Eight bytes of it are looked at.
 struct Digits {
-  static constexpr std::size_t kMost = 8;
+  static constexpr unsigned kMost = 8;
 
   explicit Digits(const char* text) {
     // Bytes as long as they are digits; what comes behind the first other may be anything.
@@ -285,7 +285,8 @@ bool JsonScanner::ReadName(ScannedText& name) {
 }
 
 /// Reads a number of few digits, as nearly all are, by which its value is exact or rounded once: a
-/// whole number that every int can hold, or a fraction. False for any other.
+/// whole number that every int can hold, or a fraction. False for any other, which may have moved
+/// the position and set the value by then.
 bool JsonScanner::ReadShortNumber(PreferenceValue& value) {
   constexpr unsigned kMostDigits = std::numeric_limits<double>::digits10;
   constexpr std::ptrdiff_t kLongest = sizeof("-.") - 1 + 2 * Digits::kMost;

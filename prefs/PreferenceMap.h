@@ -108,7 +108,7 @@ class PreferenceMap {
 
   utils::Variant GetValue(const Preference& preference) const;
 
-  /// Adds a preference that is not there.
+  /// Adds a preference that is not there. Its value must not be none, nor must any below.
   void Add(const FoldedPair& pair, const PreferenceValue& value);
 
   /// Replaces the value of a preference of this map.

@@ -19,7 +19,7 @@ class PreferenceValue {
 
   PreferenceValue() = default;
   PreferenceValue(int integer) : kind_(kInt), bits_(ToBits(integer)) {}
-  PreferenceValue(bool boolean) : kind_(kBool), bits_(ToBits(boolean)) {}
+  PreferenceValue(bool truth) : kind_(kBool), bits_(ToBits(truth)) {}
   PreferenceValue(double real) : kind_(kDouble), bits_(ToBits(real)) {}
   /// @param text UTF-8
   PreferenceValue(std::string_view text)

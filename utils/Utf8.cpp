@@ -64,8 +64,8 @@ bool IsWellFormedUtf8(std::string_view text) {
   return true;
 }
 
-/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else sequences up to the
-/// next ASCII, or one character where fewer than eight bytes are left.
+/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else one character, and
+/// the sequences behind it up to the next ASCII, as many as fit.
 CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
   if (utf8_.size() - index_ >= kStep) {
     const __m128i bytes = LoadEight(&utf8_[index_]);

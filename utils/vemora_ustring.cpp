@@ -1,7 +1,5 @@
 #include "utils/vemora_ustring.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdarg>
@@ -16,7 +14,6 @@
 #include "utils/CaseFolding.h"
 #include "utils/Utf8.h"
 #include "utils/WideFormat.h"
-#include "utils/Words.h"
 
 namespace vemora::utils {
 namespace {
