@@ -289,7 +289,7 @@ bool JsonScanner::ReadName(ScannedText& name) {
 /// the position and set the value by then.
 bool JsonScanner::ReadShortNumber(PreferenceValue& value) {
   constexpr unsigned kMostDigits = std::numeric_limits<double>::digits10;
-  constexpr std::ptrdiff_t kLongest = sizeof("-.") - 1 + 2 * Digits::kMost;
+  constexpr std::ptrdiff_t kLongest = sizeof("-.") - 1 + std::size_t{2} * Digits::kMost;
   static constexpr double kPowers[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
   if (end_ - position_ < kLongest) {
     return false;
