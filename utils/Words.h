@@ -31,16 +31,6 @@ inline __m128i LoadEights(const void* lower, const void* upper) {
 }
 
 /// How many of the lowest bits are not set; there is one that is.
-/// @{
-inline unsigned CountTrailingZeros(unsigned bits) {
-#if defined(_MSC_VER)
-  unsigned long count = 0;
-  _BitScanForward(&count, bits);
-  return count;
-#else
-  return static_cast<unsigned>(__builtin_ctz(bits));
-#endif
-}
 inline unsigned CountTrailingZeros(std::uint64_t bits) {
 #if defined(_MSC_VER)
   unsigned long count = 0;
@@ -50,6 +40,5 @@ inline unsigned CountTrailingZeros(std::uint64_t bits) {
   return static_cast<unsigned>(__builtin_ctzll(bits));
 #endif
 }
-/// @}
 
 }  // namespace vemora::utils
