@@ -182,8 +182,8 @@ class PreferenceMap::Tables {
   void OpenCategory(std::string_view name, const FoldedName& folded);
   void EmptyOpenCategory();
   void CloseCategories();
-  std::uint32_t SetInOpenCategory(std::string_view key, const FoldedName& folded,
-                                  const PreferenceValue& value);
+  void SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                         const PreferenceValue& value);
 
   void ReserveFor(const Tables& other);
   void Adopt(Tables&& other);
@@ -423,14 +423,12 @@ void PreferenceMap::Tables::EmptyOpenCategory() {
   }
 }
 
-std::uint32_t PreferenceMap::Tables::SetInOpenCategory(std::string_view key,
-                                                       const FoldedName& folded,
-                                                       const PreferenceValue& value) {
+void PreferenceMap::Tables::SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                                              const PreferenceValue& value) {
   const std::uint32_t hash = HashOfPair(CategoryAt(open_category_).hash, folded.Hash());
   const std::uint32_t ref = NewPreference(hash, folded, key, value);
   AddUnslotted({hash, ref});
   Chain(ref, open_category_);
-  return hash;
 }
 
 void PreferenceMap::Tables::AddUnslotted(SlotTable::Slot slot) {
@@ -779,9 +777,9 @@ void PreferenceMap::OpenCategory(std::string_view name, const FoldedName& folded
 
 void PreferenceMap::EmptyOpenCategory() { tables_->EmptyOpenCategory(); }
 
-std::uint32_t PreferenceMap::SetInOpenCategory(std::string_view key, const FoldedName& folded,
-                                               const PreferenceValue& value) {
-  return tables_->SetInOpenCategory(key, folded, value);
+void PreferenceMap::SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                                      const PreferenceValue& value) {
+  tables_->SetInOpenCategory(key, folded, value);
 }
 
 void PreferenceMap::CloseCategories() {

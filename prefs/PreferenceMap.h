@@ -136,9 +136,8 @@ class PreferenceMap {
   /// @{
   void OpenCategory(std::string_view name, const FoldedName& folded);
   void EmptyOpenCategory();
-  /// @return the hash of the pair
-  std::uint32_t SetInOpenCategory(std::string_view key, const FoldedName& folded,
-                                  const PreferenceValue& value);
+  void SetInOpenCategory(std::string_view key, const FoldedName& folded,
+                         const PreferenceValue& value);
   void CloseCategories();
   /// @}
 
