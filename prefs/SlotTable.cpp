@@ -25,10 +25,7 @@ void SlotTable::Reserve(std::size_t more) {
 }
 
 void SlotTable::Add(std::uint32_t hash, std::uint32_t number) noexcept {
-  std::size_t index = hash & mask_;
-  while (slots_[index].number != kNone) {
-    index = (index + 1) & mask_;
-  }
+  const std::size_t index = Probe(hash, [](std::uint32_t) { return false; });
   slots_[index] = {hash, number};
   ++count_;
 }

@@ -20,18 +20,7 @@ class SlotTable {
   /// The number under that hash for which `matches` is true, or `kNone`.
   template <typename Matches>
   std::uint32_t Find(std::uint32_t hash, Matches matches) const {
-    if (slots_.empty()) {
-      return kNone;
-    }
-    for (std::size_t index = hash & mask_;; index = (index + 1) & mask_) {
-      const Slot& slot = slots_[index];
-      if (slot.number == kNone) {
-        return kNone;
-      }
-      if (slot.hash == hash && matches(slot.number)) {
-        return slot.number;
-      }
-    }
+    return slots_.empty() ? kNone : slots_[Probe(hash, matches)].number;
   }
 
   std::size_t Count() const { return count_; }
@@ -58,11 +47,8 @@ class SlotTable {
       const Slot& ahead = slots[std::min(next + kAhead, slots.size() - 1)];
       _mm_prefetch(reinterpret_cast<const char*>(&slots_[ahead.hash & mask_]), _MM_HINT_T0);
       const Slot& added = slots[next];
-      std::size_t index = added.hash & mask_;
-      while (slots_[index].number != kNone &&
-             !(slots_[index].hash == added.hash && replaces(slots_[index].number, added.number))) {
-        index = (index + 1) & mask_;
-      }
+      const std::size_t index =
+          Probe(added.hash, [&](std::uint32_t other) { return replaces(other, added.number); });
       if (slots_[index].number == kNone) {
         slots_[index] = added;
         ++count_;
@@ -74,6 +60,18 @@ class SlotTable {
   void Remove(std::uint32_t hash, std::uint32_t number) noexcept;
 
  private:
+  /// Where the number under that hash is for which `matches` is true, or the free slot for it.
+  /// There are slots.
+  template <typename Matches>
+  std::size_t Probe(std::uint32_t hash, Matches matches) const {
+    std::size_t index = hash & mask_;
+    while (slots_[index].number != kNone &&
+           !(slots_[index].hash == hash && matches(slots_[index].number))) {
+      index = (index + 1) & mask_;
+    }
+    return index;
+  }
+
   std::vector<Slot> slots_;  // a power of two of them, never full
   std::size_t mask_ = 0;
   std::size_t count_ = 0;
