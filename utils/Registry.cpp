@@ -36,9 +36,9 @@ bool AreUsable(std::initializer_list<const vemora_ustring*> names) {
 
 /// `RegOpenKeyW` would do, but for an empty subkey it returns the caller's key, which would then be
 /// closed here.
-UniqueKey OpenKey(HKEY root, const vemora_ustring& subkey) {
+UniqueKey OpenKey(HKEY root, const vemora_ustring& subkey, REGSAM access = MAXIMUM_ALLOWED) {
   HKEY key = nullptr;
-  const LSTATUS status = RegOpenKeyExW(root, subkey.c_str(), 0, MAXIMUM_ALLOWED, &key);
+  const LSTATUS status = RegOpenKeyExW(root, subkey.c_str(), 0, access, &key);
   return UniqueKey(status == ERROR_SUCCESS ? key : nullptr);
 }
 
@@ -49,8 +49,21 @@ UniqueKey CreateKey(HKEY root, const vemora_ustring& subkey, REGSAM access) {
   return UniqueKey(status == ERROR_SUCCESS ? key : nullptr);
 }
 
-/// Leaves an empty category behind where there was none: this is meant.
+/// Opens `path\category`, if there is such a key and both names are plain: an empty name, or a
+/// separator that is not between two names, means something else in one name than in two.
+UniqueKey OpenJoined(HKEY root, const vemora_ustring& path, const vemora_ustring& category) {
+  const vemora_ustring subkey = path + L'\\' + category;
+  const bool plain = subkey.front() != L'\\' && subkey.back() != L'\\' &&
+                     subkey.find(L"\\\\") == vemora_ustring::npos;
+  return plain && AreUsable({&subkey}) ? OpenKey(root, subkey, KEY_READ) : nullptr;
+}
+
+/// Leaves an empty category behind where there was none: this is meant. Most categories exist, and
+/// one call opens them in half the time of two.
 UniqueKey OpenForReading(HKEY root, const vemora_ustring& path, const vemora_ustring& category) {
+  if (UniqueKey key = OpenJoined(root, path, category)) {
+    return key;
+  }
   if (!AreUsable({&path, &category})) {
     return nullptr;
   }

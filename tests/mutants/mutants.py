@@ -491,6 +491,10 @@ MUTANTS = [
            "const UniqueKey path_key = OpenKey(root, path);\n  return path_key != nullptr ?",
            "const UniqueKey path_key = CreateKey(root, path, kReadWrite);\n"
            "  return path_key != nullptr ?"),
+    Mutant("registry: separators at the ends joined as well", "utils/Registry.cpp",
+           "plain && AreUsable({&subkey})", "(plain || true) && AreUsable({&subkey})"),
+    Mutant("registry: reads never open in one call", "utils/Registry.cpp",
+           "plain && AreUsable({&subkey})", "false && plain && AreUsable({&subkey})"),
     Mutant("registry: only 1 is true", "utils/Registry.cpp", "value != 0", "value == 1"),
     Mutant("registry: a sign behind a sign", "utils/Registry.cpp",
            " && narrow.compare(1, 1, \"-\") != 0", ""),

@@ -9,6 +9,7 @@
 #include <clocale>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -16,6 +17,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -1076,6 +1078,11 @@ TEST_F(RegistryNames, MayHaveAnyOtherUnits) {
 
 namespace faults = testing::faults;
 
+constexpr int kFirstCall = 0;
+
+using OpenKeyHook = testing::ImportHook<testing::imports::kOpenKey, decltype(RegOpenKeyExW)>;
+using CreateKeyHook = testing::ImportHook<testing::imports::kCreateKey, decltype(RegCreateKeyExW)>;
+
 class RegistryRefused : public RegistryTest {
  protected:
   /// Refuses each call that the operation makes in turn; the operation tells whether it worked.
@@ -1108,16 +1115,46 @@ class RegistryRefused : public RegistryTest {
   }
 };
 
-TEST_F(RegistryRefused, LoadsGiveTheDefault) {
-  for (const testing::Fault& fault :
-       {faults::KeyCannotBeOpened(), faults::KeyCannotBeCreated(), faults::ValueCannotBeRead()}) {
-    Store(DwordValue(1));
-    ExpectFailures(fault, [this] { return LoadInt(-5) != -5; });
-    ExpectFailures(fault, [this] { return LoadBool(false); });
-    Store(TextValue(L"2.5"));
-    ExpectFailures(fault, [this] { return LoadDouble(kDefault) != kDefault; });
-    ExpectFailures(fault, [this] { return LoadText(L"default") != L"default"; });
-    ExpectFailures(fault, [this] { return LoadBinary("default") != "default"; });
+TEST_F(RegistryRefused, LoadsGiveTheDefaultWhenTheValueCannotBeRead) {
+  const testing::Fault fault = faults::ValueCannotBeRead();
+  Store(DwordValue(1));
+  ExpectFailures(fault, [this] { return LoadInt(-5) != -5; });
+  ExpectFailures(fault, [this] { return LoadBool(false); });
+  Store(TextValue(L"2.5"));
+  ExpectFailures(fault, [this] { return LoadDouble(kDefault) != kDefault; });
+  ExpectFailures(fault, [this] { return LoadText(L"default") != L"default"; });
+  ExpectFailures(fault, [this] { return LoadBinary("default") != "default"; });
+}
+
+TEST_F(RegistryRefused, LoadsOpenTheCategoryBelowThePathWhenTheyCannotOpenItFromTheRoot) {
+  Store(DwordValue(1));
+  bool met = false;
+  const auto refused =
+      faults::KeyCannotBeOpened().arrange(GetModuleHandleW(nullptr), kFirstCall, met);
+  EXPECT_EQ(LoadInt(-5), 1);
+  EXPECT_TRUE(met);
+}
+
+TEST_F(RegistryRefused, LoadsGiveTheDefaultWhenThePathCannotBeOpenedEither) {
+  Store(DwordValue(1));
+  const std::size_t handles = testing::CountHandles();
+  const OpenKeyHook refused(GetModuleHandleW(nullptr),
+                            [](auto, auto...) { return LSTATUS{ERROR_ACCESS_DENIED}; });
+  ExpectDefaults(kRoot, address);
+  EXPECT_EQ(testing::CountHandles(), handles);
+}
+
+TEST_F(RegistryRefused, LoadsGiveTheDefaultWhenTheCategoryCannotBeMade) {
+  CreateRaw(path);
+  const std::size_t handles = testing::CountHandles();
+  for (const Kind& kind : Kinds()) {
+    bool met = false;
+    const auto refused =
+        faults::KeyCannotBeCreated().arrange(GetModuleHandleW(nullptr), kFirstCall, met);
+    EXPECT_TRUE(kind.load_gives_default(kRoot, address)) << kind.name;
+    EXPECT_TRUE(met) << kind.name;
+    EXPECT_EQ(testing::CountHandles(), handles) << kind.name;
+    RegDeleteTreeW(kRoot, category_path.c_str());  // the second load of a bool makes it
   }
 }
 
@@ -1176,6 +1213,106 @@ TEST_F(RegistryRefused, SavesMakeAKeyAgainThatWasDeletedSinceTheLastCall) {
     RegDeleteTreeW(kRoot, path.c_str());
     EXPECT_TRUE(kind.load_gives_default(kRoot, address)) << kind.name;
   }
+}
+
+// --- how loads open a category --------------------------------------------------------------
+
+TEST_F(RegistryLoad, OpensACategoryThatExistsInOneCall) {
+  Store(DwordValue(1));
+  std::vector<vemora_ustring> opened;
+  int created = 0;
+  const OpenKeyHook open(GetModuleHandleW(nullptr),
+                         [&opened](auto original, HKEY root, const wchar_t* key, auto... others) {
+                           opened.emplace_back(key);
+                           return original(root, key, others...);
+                         });
+  const CreateKeyHook create(GetModuleHandleW(nullptr), [&created](auto original, auto... all) {
+    ++created;
+    return original(all...);
+  });
+  EXPECT_EQ(LoadInt(-5), 1);
+  EXPECT_EQ(opened, std::vector<vemora_ustring>{category_path});
+  EXPECT_EQ(created, 0);
+}
+
+/// What a load finds, and all keys that there are afterwards.
+struct LoadOutcome {
+  int value;
+  std::vector<vemora_ustring> keys;
+
+  bool operator==(const LoadOutcome& other) const {
+    return value == other.value && keys == other.keys;
+  }
+};
+
+void PrintTo(const LoadOutcome& outcome, std::ostream* out) {
+  *out << outcome.value << " and the keys " << ::testing::PrintToString(outcome.keys);
+}
+
+std::vector<vemora_ustring> KeysBelow(const vemora_ustring& key_path) {
+  std::vector<vemora_ustring> keys;
+  for (const vemora_ustring& name : SubkeysOf(key_path)) {
+    const vemora_ustring subkey = key_path + L'\\' + name;
+    const std::vector<vemora_ustring> below = KeysBelow(subkey);
+    keys.push_back(subkey);
+    keys.insert(keys.end(), below.begin(), below.end());
+  }
+  return keys;
+}
+
+/// The path is opened, then the category below it is opened or made.
+int LoadInTwoSteps(const Address& at, int default_value) {
+  HKEY path_key = nullptr;
+  if (RegOpenKeyExW(kRoot, at.path.c_str(), 0, MAXIMUM_ALLOWED, &path_key) != ERROR_SUCCESS) {
+    return default_value;
+  }
+  const UniqueKey path_closer(path_key);
+  HKEY key = nullptr;
+  if (RegCreateKeyExW(path_key, at.category.c_str(), 0, nullptr, 0, KEY_READ, nullptr, &key,
+                      nullptr) != ERROR_SUCCESS) {
+    return default_value;
+  }
+  const UniqueKey closer(key);
+  DWORD value = 0;
+  DWORD size = sizeof(value);
+  return RegQueryValueExW(key, at.name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(&value),
+                          &size) == ERROR_SUCCESS
+             ? static_cast<int>(value)
+             : default_value;
+}
+
+/// An address below the test's own key, whose separators may stand where none belong.
+class RegistryOddAddress
+    : public WithKey<::testing::TestWithParam<std::tuple<std::wstring, std::wstring>>> {
+ protected:
+  template <typename Load>
+  LoadOutcome OutcomeOf(Load load) {
+    RegDeleteTreeW(kRoot, path.c_str());
+    const std::wstring places[] = {L"", L"\\Window", L"\\Window\\Grid", L"\\Grid"};
+    for (DWORD number = 0; number < std::size(places); ++number) {
+      WriteRaw(path + places[number], kName, DwordValue(number + 1));
+    }
+    const auto& [behind_path, category] = GetParam();
+    const int value = load(Address{path + behind_path, category, kName});
+    return {value, KeysBelow(path)};
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, RegistryOddAddress,
+    ::testing::Combine(::testing::Values(L"", L"\\", L"\\\\", L"\\Window", L"\\Missing"),
+                       ::testing::Values(L"", L"Window", L"window", L"Missing", L"\\", L"\\\\",
+                                         L"\\Window", L"Window\\", L"\\Window\\", L"\\\\Window",
+                                         L"Window\\\\", L"Window\\Grid", L"Window\\\\Grid",
+                                         L"Window\\\\\\Grid", L"Window\\Grid\\", L"Missing\\Grid",
+                                         L"Missing\\\\Grid", L"Missing\\")));
+
+TEST_P(RegistryOddAddress, GivesAndLeavesWhatTwoStepsDo) {
+  const LoadOutcome expected = OutcomeOf([](const Address& at) { return LoadInTwoSteps(at, -5); });
+  const LoadOutcome outcome = OutcomeOf([](const Address& at) {
+    return Registry::LoadInt(kRoot, at.path, at.category, at.name, -5);
+  });
+  EXPECT_EQ(outcome, expected);
 }
 
 // --- keys and handles -----------------------------------------------------------------------
