@@ -399,16 +399,8 @@ MUTANTS = [
            "sizeof(Unit) == 1 ? 0x8080808080808080 :", "sizeof(Unit) == 1 ? 0x8080808080808000 :"),
     Mutant("text: surrogates are well-formed", "utils/Utf8.cpp",
            " || IsSurrogate(point)", ""),
-    Mutant("text: surrogates are well-formed for the decoder", "utils/Utf8.cpp",
-           " && !IsSurrogate(point)", ""),
-    Mutant("text: two units where there is room for one", "utils/Utf8.cpp",
-           "out < last", "out <= last"),
-    Mutant("text: a character behind ASCII is taken for ASCII", "utils/Utf8.cpp",
-           "others != 0 ? CountTrailingZeros(others) : kStep;",
-           "others != 0 ? CountTrailingZeros(others) + 1 : kStep;"),
-    Mutant("text: more units than a block takes", "utils/vemora_ustring.cpp",
-           "end + Utf8Decoder::kStep <= block.data() + block.size()",
-           "end + Utf8Decoder::kStep / 8 <= block.data() + block.size()"),
+    Mutant("text: more units than a block takes", "utils/Utf8.cpp",
+           "block.size() - kLongestSequence + 1", "block.size() + 1"),
 
     # Files
     Mutant("files: handles stay open", "utils/Files.cpp",
