@@ -74,6 +74,7 @@ UNITS = {
     "utils/Utf8.cpp": native("Utf8_test"),
     "utils/Variant.cpp": native("Variant_test"),
     "utils/WideFormat.cpp": windows("vemora_ustring_test", "vemora_ustring_windows_test"),
+    "utils/vemora_ustring.h": native("vemora_ustring_test"),
     "utils/vemora_ustring.cpp": native("vemora_ustring_test", "FromUtf8_test"),
 }
 
@@ -126,7 +127,7 @@ MUTANTS = [
 
     # Dictionary
     Mutant("dictionary: Set keeps the old value", "utils/Dictionary.cpp",
-           "values[key] = value;", "values.emplace(key, value);"),
+           "values.insert_or_assign(key, value);", "values.emplace(key, value);"),
     Mutant("dictionary: assignment keeps old entries", "utils/Dictionary.cpp",
            "values = Values(other.values);",
            "values.insert(other.values.begin(), other.values.end());"),
@@ -394,8 +395,8 @@ MUTANTS = [
            "known_.use_count() > 1", "known_.use_count() > 2"),
     Mutant("classification: rows for Windows left out", "prefs/Classification.cpp",
            "row.Level() <= kWindowsOnly", "row.Level() < kWindowsOnly"),
-    Mutant("text: no check for null", "utils/vemora_ustring.cpp",
-           "  if (text != nullptr) {\n    assign(text);\n  }\n", "  assign(text);\n"),
+    Mutant("text: no check for null", "utils/vemora_ustring.h",
+           "    if (text != nullptr) {\n      assign(text);\n    }\n", "    assign(text);\n"),
     Mutant("text: the first of eight bytes is taken for ASCII", "utils/Ascii.h",
            "sizeof(Unit) == 1 ? 0x8080808080808080 :", "sizeof(Unit) == 1 ? 0x8080808080808000 :"),
     Mutant("text: surrogates are well-formed", "utils/Utf8.cpp",
