@@ -128,16 +128,6 @@ bool ParsesWhole(const vemora_ustring& text, Parse parse) {
 
 }  // namespace
 
-vemora_ustring::vemora_ustring(const CodeUnit* text) {
-  if (text != nullptr) {
-    assign(text);
-  }
-}
-
-vemora_ustring& vemora_ustring::operator=(const CodeUnit* text) {
-  return *this = vemora_ustring(text);
-}
-
 vemora_ustring::vemora_ustring(const char* text) : Base(FromMultibyte(text)) {}
 
 vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vemora_ustring(text); }
@@ -261,9 +251,6 @@ int vemora_ustring::ToInt() const { return static_cast<int>(ToLong()); }
 long vemora_ustring::ToLong() const { return std::strtol(ToUtf8().c_str(), nullptr, 10); }
 
 void vemora_ustring::AssignFormatted(const CodeUnit* format, ...) {
-  if (*format == 0) {
-    return;
-  }
   std::va_list arguments;
   va_start(arguments, format);
   const int length = MeasureFormatted(format, arguments);
