@@ -67,6 +67,8 @@ std::wstring WideFromMultibyte(const char* text) {
     const std::string prefix(text, ConvertibleLength(text));
     ConvertMultibyte(prefix.c_str(), wide);
   }
+  // In some code pages other bytes convert to zero, too.
+  wide.resize(std::wcslen(wide.c_str()));
   return wide;
 }
 

@@ -40,8 +40,8 @@ class vemora_ustring : public std::basic_string<CodeUnit> {
   vemora_ustring& operator=(const CodeUnit* text) { return *this = vemora_ustring(text); }
 
   /// Zero-terminated text in the multibyte encoding of the current C locale; this is no UTF-8
-  /// decoder. Null gives an empty string. Of text that the locale cannot convert, the characters
-  /// before the offending byte are kept.
+  /// decoder. Null gives an empty string. Of text that the locale cannot convert, or converts to a
+  /// zero, the characters before the offending byte are kept.
   vemora_ustring(const char* text);
   vemora_ustring& operator=(const char* text);
 
