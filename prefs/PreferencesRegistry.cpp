@@ -2,6 +2,7 @@
 
 #include <exception>
 
+#include "utils/Product.h"
 #include "utils/Registry.h"
 
 template class COMMONPREFERENCES_TEMPLATE_DEFINE
@@ -11,16 +12,10 @@ namespace vemora::prefs {
 
 using utils::Registry;
 
-namespace {
-
-constexpr int kCurrentVersion = 18;
-
-}  // namespace
-
 bool PreferencesRegistry::static_write_immediately_ = true;
 
 PreferencesRegistry::PreferencesRegistry() : PreferencesBase(static_write_immediately_) {
-  path.Format("Software\\Quillane\\Quillane 20%d", kCurrentVersion);
+  path = utils::GetProductKey();
 }
 
 PreferencesRegistry::~PreferencesRegistry() {

@@ -4,15 +4,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
-
-#include "utils/Words.h"
 
 namespace vemora::utils {
 
 template <typename Unit>
 constexpr bool IsAscii(Unit unit) {
   return static_cast<std::make_unsigned_t<Unit>>(unit) < 0x80;
+}
+
+template <typename Unit>
+constexpr bool IsDigit(Unit unit) {
+  return unit >= '0' && unit <= '9';
 }
 
 /// How many units at the start of the text are ASCII.
@@ -23,7 +27,9 @@ std::size_t CountAscii(const Unit* text, std::size_t length) {
   static_assert(sizeof(Unit) <= 2);
   std::size_t index = 0;
   for (; index + kStep <= length; index += kStep) {
-    if ((LoadWord(text + index) & kOther) != 0) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text + index, sizeof(word));
+    if ((word & kOther) != 0) {
       break;
     }
   }

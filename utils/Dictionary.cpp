@@ -9,6 +9,8 @@ Dictionary& Dictionary::operator=(const Dictionary& other) {
   return *this;
 }
 
-void Dictionary::Set(const vemora_ustring& key, const Variant& value) { values[key] = value; }
+void Dictionary::Set(const vemora_ustring& key, const Variant& value) {
+  values.insert_or_assign(key, value);
+}
 
 }  // namespace vemora::utils

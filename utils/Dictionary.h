@@ -31,7 +31,8 @@ class Dictionary {
   Dictionary& operator=(Dictionary&&) = default;
   virtual ~Dictionary();
 
-  /// Stores a copy of `value` under `key`, in place of what was there.
+  /// Stores a copy of `value` under `key`, in place of what was there. Running out of memory leaves
+  /// the entries as they were.
   virtual void Set(const vemora_ustring& key, const Variant& value);
 
   /// The entry of that name, or `end()`. Names are case-sensitive here.

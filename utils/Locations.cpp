@@ -9,12 +9,11 @@
 #include <cwchar>
 #include <vector>
 
+#include "utils/Product.h"
 #include "utils/SystemFunction.h"
 
 namespace vemora::utils {
 namespace {
-
-constexpr int kCurrentVersion = 18;
 
 /// Longer than any path of the system.
 constexpr std::size_t kLongestPath = 32767;
@@ -26,11 +25,6 @@ vemora_ustring GetShellFolder(int folder) {
   return get_folder != nullptr && get_folder(nullptr, path, folder, FALSE) != 0
              ? vemora_ustring(path)
              : vemora_ustring();
-}
-
-vemora_ustring FormatVersion(const vemora_ustring& pattern, int version) {
-  vemora_ustring text;
-  return text.Format(pattern, version);
 }
 
 }  // namespace
@@ -91,7 +85,8 @@ vemora_ustring GetPreferencesFolder(const vemora_ustring& subfolder, int version
     folder += L"/../Local";
   }
   if (version != 0) {
-    folder = JoinPath(folder, FormatVersion(L"Quillane/Quillane 20%d", version));
+    vemora_ustring versioned;
+    folder = JoinPath(folder, versioned.Format(L"Quillane/Quillane 20%d", version));
     folder = JoinPath(folder, subfolder);
   } else {
     folder = JoinPath(folder, L"Quillane/Viewer");
@@ -103,12 +98,11 @@ vemora_ustring GetPreferencesFolder(const vemora_ustring& subfolder, int version
 }
 
 vemora_ustring GetDefaultPreferencesFolder(const vemora_ustring& subfolder) {
-  return GetPreferencesFolder(subfolder, kCurrentVersion, true);
+  return GetPreferencesFolder(subfolder, kProductVersion, true);
 }
 
 vemora_ustring GetInstallLocation() {
-  const vemora_ustring name =
-      FormatVersion(LR"(Software\Quillane\Quillane 20%d\InstallLocation)", kCurrentVersion);
+  const vemora_ustring name = GetProductKey() + L"\\InstallLocation";
   HKEY key = nullptr;
   if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, name.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
     return {};

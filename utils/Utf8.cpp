@@ -1,10 +1,10 @@
 #include "utils/Utf8.h"
 
-#include <emmintrin.h>
+#include <algorithm>
+#include <array>
 
 #include "utils/Ascii.h"
 #include "utils/CaseFolding.h"
-#include "utils/Words.h"
 
 namespace vemora::utils {
 namespace {
@@ -51,6 +51,9 @@ bool DecodeSequence(std::string_view utf8, std::size_t& index, char32_t& point) 
   return lead.length != 0;
 }
 
+constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
 }  // namespace
 
 bool IsWellFormedUtf8(std::string_view text) {
@@ -64,27 +67,67 @@ bool IsWellFormedUtf8(std::string_view text) {
   return true;
 }
 
-/// Decodes eight bytes of ASCII, or fewer up to the next other sequence; else one character, and
-/// the sequences behind it up to the next ASCII, as many as fit.
-CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
-  if (utf8_.size() - index_ >= kStep) {
-    const __m128i bytes = LoadEight(&utf8_[index_]);
-    const __m128i units = _mm_unpacklo_epi8(bytes, _mm_setzero_si128());
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), units);
-    const auto others = static_cast<unsigned>(_mm_movemask_epi8(bytes));
-    const std::size_t ascii = others != 0 ? CountTrailingZeros(others) : kStep;
-    if (ascii != 0) {
-      index_ += ascii;
-      return out + ascii;
-    }
+void AppendUtf8(std::string& utf8, char32_t point) {
+  const auto tail = [point](int shift) {
+    return static_cast<char>(0x80 | ((point >> shift) & 0x3F));
+  };
+  if (point < 0x80) {
+    utf8.push_back(static_cast<char>(point));
+  } else if (point < 0x800) {
+    utf8.push_back(static_cast<char>(0xC0 | (point >> 6)));
+    utf8.push_back(tail(0));
+  } else if (point < 0x10000) {
+    utf8.push_back(static_cast<char>(0xE0 | (point >> 12)));
+    utf8.push_back(tail(6));
+    utf8.push_back(tail(0));
+  } else {
+    utf8.push_back(static_cast<char>(0xF0 | (point >> 18)));
+    utf8.push_back(tail(12));
+    utf8.push_back(tail(6));
+    utf8.push_back(tail(0));
   }
+}
+
+void AppendUtf8(std::string& utf8, std::basic_string_view<CodeUnit> units) {
+  for (std::size_t index = 0; index < units.size();) {
+    AppendUtf8(utf8, ReadCodePoint(units, index));
+  }
+}
+
+void AppendUtf16(std::basic_string<CodeUnit>& units, std::string_view utf8) {
+  // By way of a block on the stack, as one unit at a time is slow and the final size is not known.
+  std::array<CodeUnit, 128> block;
+  constexpr std::size_t kLongestSequence = 4;
+  for (std::size_t index = 0; index < utf8.size();) {
+    // No byte gives more than one unit.
+    const std::size_t limit = std::min(utf8.size(), index + block.size() - kLongestSequence + 1);
+    CodeUnit* out = block.data();
+    while (index < limit) {
+      char32_t point = 0;
+      const bool well_formed = DecodeSequence(utf8, index, point);
+      out = WriteCodePoint(out, well_formed ? point : kReplacementCharacter);
+    }
+    units.append(block.data(), out);
+  }
+}
+
+char32_t ReadCodePoint(std::basic_string_view<CodeUnit> units, std::size_t& index) {
+  const char32_t unit = units[index++];
+  if (!IsHighSurrogate(unit) || index == units.size() || !IsLowSurrogate(units[index])) {
+    return unit;
+  }
+  const char32_t low = units[index++];
+  return ((unit - 0xD800) << 10) + (low - 0xDC00) + 0x10000;
+}
+
+CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
   CodeUnit* const last = out + kStep - 1;  // as long as two units fit
   do {
     char32_t point = 0;
     const bool well_formed = DecodeSequence(utf8_, index_, point);
     well_formed_ = well_formed_ && well_formed && !IsSurrogate(point);
     out = WriteCodePoint(out, well_formed ? point : kReplacementCharacter);
-  } while (!IsAtEnd() && !IsAscii(utf8_[index_]) && out < last);
+  } while (!IsAtEnd() && out < last);
   return out;
 }
 

@@ -1,8 +1,9 @@
 /// @file
-/// UTF-8 as code points and as code units. Internal to the library.
+/// UTF-8 and UTF-16, in both directions. Internal to the library.
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 #include "utils/vemora_ustring.h"
@@ -13,7 +14,18 @@ namespace vemora::utils {
 /// exist.
 bool IsWellFormedUtf8(std::string_view text);
 
-/// @return behind the one or two units that it wrote
+/// Appends a code point, which may be a lone surrogate, as one to four bytes.
+void AppendUtf8(std::string& utf8, char32_t point);
+
+/// Appends UTF-16 text. A lone surrogate becomes its own 3-byte sequence.
+void AppendUtf8(std::string& utf8, std::basic_string_view<CodeUnit> units);
+
+/// Appends UTF-8 text as UTF-16. Each maximal subpart of an ill-formed sequence becomes one U+FFFD,
+/// but a surrogate in its 3-byte form is taken.
+void AppendUtf16(std::basic_string<CodeUnit>& units, std::string_view utf8);
+
+/// Writes a code point as one or two units.
+/// @return the end of what it wrote
 inline CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
   if (point < 0x10000) {
     *out++ = static_cast<CodeUnit>(point);
@@ -24,8 +36,10 @@ inline CodeUnit* WriteCodePoint(CodeUnit* out, char32_t point) {
   return out;
 }
 
-/// Decodes a text from its start to its end. What is ill-formed becomes U+FFFD, but surrogates in
-/// their 3-byte form are taken.
+/// The code point at `index`, which is moved behind it. A lone surrogate is one by itself.
+char32_t ReadCodePoint(std::basic_string_view<CodeUnit> units, std::size_t& index);
+
+/// Decodes a text from its start to its end, as `AppendUtf16` does.
 class Utf8Decoder {
  public:
   /// How many units are written at once, at most.

@@ -165,7 +165,10 @@ unsigned int Variant::GetUnsigned() const noexcept {
 
 unsigned long Variant::GetUnsignedLong() const noexcept { return GetUnsigned(); }
 
-float Variant::GetFloat() const noexcept { return static_cast<float>(GetDouble()); }
+// Widening and narrowing would change a NaN that signals.
+float Variant::GetFloat() const noexcept {
+  return type_ == kFloat ? payload_.single : static_cast<float>(GetDouble());
+}
 
 double Variant::GetDouble() const noexcept {
   switch (type_) {

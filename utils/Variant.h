@@ -82,13 +82,23 @@ class Variant {
   Variant& operator=(const Variant& other);
   Variant& operator=(Variant&& other) noexcept;
 
-  /// Assigns whatever a Variant can be made from; the tag is that of the constructor.
-  template <typename Value, std::enable_if_t<!std::is_same_v<Value, Variant> &&
-                                                 std::is_constructible_v<Variant, const Value&>,
-                                             int> = 0>
+  /// Assigns whatever a Variant can be made from; the tag is that of the constructor. Scalars come
+  /// by value, so that a static constant of a class needs no definition elsewhere.
+  /// @{
+  template <typename Scalar,
+            std::enable_if_t<std::is_scalar_v<Scalar> && std::is_constructible_v<Variant, Scalar>,
+                             int> = 0>
+  Variant& operator=(Scalar value) {
+    return *this = Variant(value);
+  }
+  template <typename Value,
+            std::enable_if_t<!std::is_scalar_v<Value> && !std::is_same_v<Value, Variant> &&
+                                 std::is_constructible_v<Variant, const Value&>,
+                             int> = 0>
   Variant& operator=(const Value& value) {
     return *this = Variant(value);
   }
+  /// @}
 
   /// The tag, one of `EType`.
   std::uint32_t GetType() const noexcept { return type_; }

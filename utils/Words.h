@@ -30,6 +30,14 @@ inline __m128i LoadEights(const void* lower, const void* upper) {
   return _mm_unpacklo_epi64(LoadEight(lower), LoadEight(upper));
 }
 
+/// Bytes with the ASCII letters among them in upper case.
+inline __m128i FoldAscii(__m128i bytes) {
+  // Moved to where the least numbers are, so that one comparison finds them.
+  const __m128i from_a = _mm_add_epi8(bytes, _mm_set1_epi8(0x80 - 'a'));
+  const __m128i letters = _mm_cmplt_epi8(from_a, _mm_set1_epi8(-0x80 + 26));
+  return _mm_xor_si128(bytes, _mm_and_si128(letters, _mm_set1_epi8('a' - 'A')));
+}
+
 /// How many of the lowest bits are not set; there is one that is.
 inline unsigned CountTrailingZeros(std::uint64_t bits) {
 #if defined(_MSC_VER)

@@ -20,10 +20,6 @@ namespace {
 
 constexpr std::size_t kConversionError = static_cast<std::size_t>(-1);
 
-constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-constexpr bool IsDigit(CodeUnit unit) { return unit >= 0x30 && unit <= 0x39; }
-
 CodeUnit LowerUnit(CodeUnit unit) {
   return IsSurrogate(unit) ? unit : static_cast<CodeUnit>(std::towlower(unit));
 }
@@ -31,39 +27,6 @@ CodeUnit LowerUnit(CodeUnit unit) {
 bool IsSpace(CodeUnit unit) { return std::iswspace(unit) != 0; }
 
 int Sign(bool less) { return less ? -1 : 1; }
-
-/// The code point at `index`, which is moved behind it. A lone surrogate is one by itself.
-char32_t NextCodePoint(const CodeUnit* text, std::size_t length, std::size_t& index) {
-  const char32_t unit = text[index++];
-  if (!IsHighSurrogate(unit) || index == length || !IsLowSurrogate(text[index])) {
-    return unit;
-  }
-  const char32_t low = text[index++];
-  return ((unit - 0xD800) << 10) + (low - 0xDC00) + 0x10000;
-}
-
-/// Appends the units that `write(out)` writes while `more` is true, up to `Utf8Decoder::kStep` each
-/// time; many units at a time, for a string grows slowly.
-/// @param write returns behind what it wrote
-template <typename More, typename Write>
-void AppendUnits(std::basic_string<CodeUnit>& text, More more, Write write) {
-  constexpr std::size_t kBlock = 128;
-  std::array<CodeUnit, kBlock> block;
-  while (more()) {
-    CodeUnit* end = block.data();
-    while (more() && end + Utf8Decoder::kStep <= block.data() + block.size()) {
-      end = write(end);
-    }
-    text.append(block.data(), end);
-  }
-}
-
-void AppendDecoded(std::basic_string<CodeUnit>& text, std::string_view utf8) {
-  Utf8Decoder decoder(utf8);
-  AppendUnits(
-      text, [&] { return !decoder.IsAtEnd(); },
-      [&](CodeUnit* out) { return decoder.DecodeSome(out); });
-}
 
 /// Widens ASCII, which no locale changes.
 std::basic_string<CodeUnit> FromAscii(const char* text, std::size_t length) {
@@ -104,17 +67,23 @@ std::wstring WideFromMultibyte(const char* text) {
     const std::string prefix(text, ConvertibleLength(text));
     ConvertMultibyte(prefix.c_str(), wide);
   }
+  // In some code pages other bytes convert to zero, too.
+  wide.resize(std::wcslen(wide.c_str()));
   return wide;
 }
 
 /// Text in the C library's wide characters, which may be wider than ours, as code units.
 vemora_ustring FromWide(const std::wstring& wide) {
-  vemora_ustring text;
-  auto character = wide.begin();
-  AppendUnits(
-      text, [&] { return character != wide.end(); },
-      [&](CodeUnit* out) { return WriteCodePoint(out, static_cast<char32_t>(*character++)); });
-  return text;
+  if constexpr (sizeof(wchar_t) == sizeof(CodeUnit)) {
+    return {wide.begin(), wide.end()};
+  } else {
+    vemora_ustring text;
+    for (const wchar_t character : wide) {
+      std::array<CodeUnit, 2> units;
+      text.append(units.data(), WriteCodePoint(units.data(), static_cast<char32_t>(character)));
+    }
+    return text;
+  }
 }
 
 std::wstring ToWide(const vemora_ustring& text) {
@@ -123,7 +92,7 @@ std::wstring ToWide(const vemora_ustring& text) {
   } else {
     std::wstring wide;
     for (std::size_t index = 0; index < text.size();) {
-      wide.push_back(static_cast<wchar_t>(NextCodePoint(text.data(), text.size(), index)));
+      wide.push_back(static_cast<wchar_t>(ReadCodePoint(text, index)));
     }
     return wide;
   }
@@ -141,32 +110,11 @@ std::basic_string<CodeUnit> FromMultibyte(const char* text) {
   return FromWide(WideFromMultibyte(text));
 }
 
-void AppendUtf8(std::string& utf8, char32_t point) {
-  const auto tail = [point](int shift) {
-    return static_cast<char>(0x80 | ((point >> shift) & 0x3F));
-  };
-  if (point < 0x80) {
-    utf8.push_back(static_cast<char>(point));
-  } else if (point < 0x800) {
-    utf8.push_back(static_cast<char>(0xC0 | (point >> 6)));
-    utf8.push_back(tail(0));
-  } else if (point < 0x10000) {
-    utf8.push_back(static_cast<char>(0xE0 | (point >> 12)));
-    utf8.push_back(tail(6));
-    utf8.push_back(tail(0));
-  } else {
-    utf8.push_back(static_cast<char>(0xF0 | (point >> 18)));
-    utf8.push_back(tail(12));
-    utf8.push_back(tail(6));
-    utf8.push_back(tail(0));
-  }
-}
-
 /// The value of the digit run at `index`, which is moved behind it; wraps at 32 bits.
 std::uint32_t ReadDigitRun(const vemora_ustring& text, std::size_t& index) {
   std::uint32_t value = 0;
   for (; index < text.size() && IsDigit(text[index]); ++index) {
-    value = value * 10 + (static_cast<std::uint32_t>(text[index]) - 0x30U);
+    value = value * 10 + (static_cast<std::uint32_t>(text[index]) - U'0');
   }
   return value;
 }
@@ -182,16 +130,6 @@ bool ParsesWhole(const vemora_ustring& text, Parse parse) {
 
 }  // namespace
 
-vemora_ustring::vemora_ustring(const CodeUnit* text) {
-  if (text != nullptr) {
-    assign(text);
-  }
-}
-
-vemora_ustring& vemora_ustring::operator=(const CodeUnit* text) {
-  return *this = vemora_ustring(text);
-}
-
 vemora_ustring::vemora_ustring(const char* text) : Base(FromMultibyte(text)) {}
 
 vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vemora_ustring(text); }
@@ -199,20 +137,16 @@ vemora_ustring& vemora_ustring::operator=(const char* text) { return *this = vem
 vemora_ustring vemora_ustring::FromUtf8(std::string_view utf8) {
   const std::size_t ascii = CountAscii(utf8.data(), utf8.size());
   vemora_ustring text = FromAscii(utf8.data(), ascii);
-  if (ascii != utf8.size()) {
-    AppendDecoded(text, utf8.substr(ascii));
-  }
+  AppendUtf16(text, utf8.substr(ascii));
   return text;
 }
 
 std::string vemora_ustring::ToUtf8() const {
-  std::size_t index = CountAscii(data(), size());
-  std::string utf8(index, '\0');
-  std::transform(data(), data() + index, utf8.begin(),
+  const std::size_t ascii = CountAscii(data(), size());
+  std::string utf8(ascii, '\0');
+  std::transform(data(), data() + ascii, utf8.begin(),
                  [](CodeUnit unit) { return static_cast<char>(unit); });
-  while (index < size()) {
-    AppendUtf8(utf8, NextCodePoint(data(), size(), index));
-  }
+  AppendUtf8(utf8, std::basic_string_view<CodeUnit>(*this).substr(ascii));
   return utf8;
 }
 
@@ -319,9 +253,6 @@ int vemora_ustring::ToInt() const { return static_cast<int>(ToLong()); }
 long vemora_ustring::ToLong() const { return std::strtol(ToUtf8().c_str(), nullptr, 10); }
 
 void vemora_ustring::AssignFormatted(const CodeUnit* format, ...) {
-  if (*format == 0) {
-    return;
-  }
   std::va_list arguments;
   va_start(arguments, format);
   const int length = MeasureFormatted(format, arguments);

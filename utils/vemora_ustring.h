@@ -32,12 +32,16 @@ class vemora_ustring : public std::basic_string<CodeUnit> {
   vemora_ustring(Base&& text) noexcept : Base(std::move(text)) {}
 
   /// Zero-terminated UTF-16 text; null gives an empty string.
-  vemora_ustring(const CodeUnit* text);
-  vemora_ustring& operator=(const CodeUnit* text);
+  vemora_ustring(const CodeUnit* text) {
+    if (text != nullptr) {
+      assign(text);
+    }
+  }
+  vemora_ustring& operator=(const CodeUnit* text) { return *this = vemora_ustring(text); }
 
   /// Zero-terminated text in the multibyte encoding of the current C locale; this is no UTF-8
-  /// decoder. Null gives an empty string. Of text that the locale cannot convert, the characters
-  /// before the offending byte are kept.
+  /// decoder. Null gives an empty string. Of text that the locale cannot convert, or converts to a
+  /// zero, the characters before the offending byte are kept.
   vemora_ustring(const char* text);
   vemora_ustring& operator=(const char* text);
 
@@ -91,13 +95,21 @@ class vemora_ustring : public std::basic_string<CodeUnit> {
   ///     label.Format(L"(%d)", 7);
   template <typename... Args>
   vemora_ustring& Format(const vemora_ustring& format, Args... args) {
-    static_assert((std::is_trivially_copyable_v<Args> && ...),
+    static_assert((kCanFormat<Args> && ...),
                   "Format takes numbers and pointers; pass c_str() of a string.");
-    AssignFormatted(format.c_str(), args...);
+    if (!format.empty()) {
+      AssignFormatted(format.c_str(), args...);
+    }
     return *this;
   }
 
  private:
+  /// What the C library's formatter may find among its arguments.
+  template <typename Argument>
+  static constexpr bool kCanFormat =
+      std::is_arithmetic_v<Argument> || std::is_enum_v<Argument> || std::is_pointer_v<Argument> ||
+      std::is_null_pointer_v<Argument>;
+
   void AssignFormatted(const CodeUnit* format, ...);
 };
 

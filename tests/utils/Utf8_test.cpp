@@ -66,6 +66,45 @@ TEST(IsWellFormedUtf8, IsTrueOfWhatHasNoSurrogatesAndDecodesWithoutReplacement) 
   }
 }
 
+TEST(AppendUtf16, DecodesAsTheIndependentDecoderDoes) {
+  for (const std::string& text : MakeTexts()) {
+    vemora_ustring decoded;
+    AppendUtf16(decoded, text);
+    EXPECT_EQ(decoded, ToUtf16(Decode(text).points)) << ::testing::PrintToString(text);
+  }
+}
+
+TEST(AppendUtf16, DecodesCharactersOfTwoUnitsWhereverTheyStandInALongText) {
+  const std::string smiles = "\xF0\x9F\x98\x80\xF0\x9F\x98\x80";
+  for (std::size_t length = 100; length < 300; ++length) {
+    const std::string text = std::string(length, 'x') + smiles + std::string(length, 'y') + smiles;
+    vemora_ustring decoded;
+    AppendUtf16(decoded, text);
+    EXPECT_EQ(decoded, ToUtf16(Decode(text).points)) << length;
+  }
+}
+
+TEST(AppendUtf16, KeepsWhatIsThere) {
+  vemora_ustring text("before ");
+  AppendUtf16(text, "\xC3\xA4");
+  EXPECT_EQ(text, vemora_ustring::FromUtf8("before \xC3\xA4"));
+}
+
+TEST(AppendUtf8, KeepsWhatIsThere) {
+  std::string text = "before ";
+  AppendUtf8(text, vemora_ustring::FromUtf8("\xC3\xA4 \xF0\x9F\x98\x80"));
+  EXPECT_EQ(text, "before \xC3\xA4 \xF0\x9F\x98\x80");
+}
+
+TEST(AppendUtf8, WritesTheFirstAndTheLastCodePointOfEachLength) {
+  std::string text;
+  for (const char32_t point : {0x0, 0x7F, 0x80, 0x7FF, 0x800, 0xFFFF, 0x10000, 0x10FFFF}) {
+    AppendUtf8(text, point);
+  }
+  EXPECT_EQ(text, std::string("\0\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF", 12) +
+                      "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+}
+
 TEST(Utf8Decoder, DecodesAsTheIndependentDecoderDoesInStepsOfEightUnitsAtMost) {
   for (const std::string& text : MakeTexts()) {
     Utf8Decoder decoder(text);

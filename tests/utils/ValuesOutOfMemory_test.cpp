@@ -9,6 +9,7 @@
 
 #include "failing_allocator.h"
 #include "support.h"
+#include "utils/Dictionary.h"
 #include "utils/PathText.h"
 #include "utils/Variant.h"
 #include "utils/vemora_ustring.h"
@@ -169,6 +170,31 @@ const std::vector<VariantOperation> kVariantOperations = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Operations, VariantOutOfMemory, ::testing::ValuesIn(kVariantOperations),
+                         [](const auto& operation) { return std::string(operation.param.name); });
+
+// --- dictionaries ---------------------------------------------------------------------------
+
+using DictionaryOperation = Operation<Dictionary>;
+
+class DictionaryOutOfMemory : public ::testing::TestWithParam<DictionaryOperation> {};
+
+TEST_P(DictionaryOutOfMemory, LeavesTheOldEntriesOrTheNew) {
+  Dictionary dictionary;
+  dictionary.Set("old", Variant(Variant::Vector{Variant(7)}));
+  ExpectOldOrNew<Dictionary>(GetParam(), dictionary, [](const Dictionary& entries) {
+    return DescribeValue(Variant(entries.values));
+  });
+}
+
+const Variant kNewValue(Variant::Vector{Variant(kText), Variant(8)});
+
+const std::vector<DictionaryOperation> kDictionaryOperations = {
+    {"SetOfANewKey", [](Dictionary& dictionary) { dictionary.Set(kText, kNewValue); }},
+    {"SetOfAnOldKey", [](Dictionary& dictionary) { dictionary.Set("old", kNewValue); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(Operations, DictionaryOutOfMemory,
+                         ::testing::ValuesIn(kDictionaryOperations),
                          [](const auto& operation) { return std::string(operation.param.name); });
 
 }  // namespace

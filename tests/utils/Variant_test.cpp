@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <map>
@@ -233,6 +234,24 @@ TEST(VariantAssignment, OfAVariableOrConstantOfUnsignedIsNotAmbiguous) {
   EXPECT_EQ(value.GetUnsigned(), 5U);
 }
 
+/// Of a host that defines its constants nowhere, as before C++17 many did.
+struct Settings {
+  static const int kCount = 7;
+  static const unsigned int kMask = 8;
+  static const bool kOn = true;
+};
+
+// Does not link when an assignment wants the address of a constant.
+TEST(VariantAssignment, TakesConstantsThatAreDefinedNowhere) {
+  Variant value;
+  value = Settings::kCount;
+  EXPECT_EQ(value, Variant(7));
+  value = Settings::kMask;
+  EXPECT_EQ(value, Variant(8U));
+  value = Settings::kOn;
+  EXPECT_EQ(value, Variant(true));
+}
+
 TEST(VariantAssignment, OfAnEmptyVariantClears) {
   Variant value = SampleMap();
   value = Variant();
@@ -360,6 +379,16 @@ const Conversion kConversions[] = {
 INSTANTIATE_TEST_SUITE_P(ConversionTable, VariantGet, ValuesIn(kConversions));
 
 // Reading texts and words.
+
+TEST(VariantFloat, KeepsTheBitsOfANanThatSignals) {
+  constexpr std::uint32_t kSignalling = 0x7FA00001;
+  float number = 0;
+  std::memcpy(&number, &kSignalling, sizeof(number));
+  const float read = Variant(number).GetFloat();
+  std::uint32_t bits = 0;
+  std::memcpy(&bits, &read, sizeof(bits));
+  EXPECT_EQ(bits, kSignalling);
+}
 
 TEST(VariantString, IsReadBack) {
   EXPECT_EQ(Variant(vemora_ustring("text")).GetString(), vemora_ustring("text"));

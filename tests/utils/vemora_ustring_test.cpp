@@ -710,6 +710,27 @@ TEST(Format, WithAnEmptyFormatLeavesTheTextAsItIs) {
   EXPECT_EQ(text, vemora_ustring("old"));
 }
 
+TEST(Format, EndsAtAZeroUnitOfTheFormat) {
+  vemora_ustring text = "old";
+  text.Format(vemora_ustring("ab") + vemora_ustring(std::size_t{1}, CodeUnit{0}) +
+              vemora_ustring("cd"));
+  EXPECT_EQ(text, vemora_ustring("ab"));
+}
+
+TEST(Format, ThatBeginsWithAZeroUnitIsNotEmptyAndGivesAnEmptyText) {
+  vemora_ustring text = "old";
+  text.Format(vemora_ustring(std::size_t{1}, CodeUnit{0}) + vemora_ustring("cd"));
+  EXPECT_EQ(text, vemora_ustring());
+}
+
+enum class Unit : int { kMillimetre = 3 };
+
+TEST(Format, TakesEnumerations) {
+  vemora_ustring text;
+  text.Format("%d", Unit::kMillimetre);
+  EXPECT_EQ(text, vemora_ustring("3"));
+}
+
 TEST(Format, KeepsTextOutsideAscii) {
   vemora_ustring text;
   text.Format(Utf8("\xE2\x82\xAC %d \xC3\xA9"), 5);

@@ -113,6 +113,14 @@ TEST_F(GermanLocale, ReadsNumbersWithItsOwnDecimalSign) {
   EXPECT_EQ(vemora_ustring(L"1,5").ToDouble(), 1.5);
 }
 
+class AsciiLocale : public ::testing::Test {
+  const ScopedLocale locale_{".20127"};
+};
+
+TEST_F(AsciiLocale, EndsATextAtAByteThatConvertsToZero) {
+  EXPECT_EQ(vemora_ustring("ab\x80z"), L"ab");
+}
+
 class JapaneseLocale : public ::testing::Test {
   const ScopedLocale locale_{"Japanese_Japan.932"};
 };

@@ -1,4 +1,5 @@
-// Stands in for the part of utils/Files.cpp that the JSON store uses: files in memory, for speed.
+// Stands in for the part of utils/Files.cpp that the JSON store uses: files in memory, so that the
+// fuzzers are fast.
 #include "utils/Files.h"
 
 #include <cerrno>
