@@ -15,18 +15,15 @@ target_sources(CommonPreferencesValues PUBLIC
     utils/vemora_ustring.h)
 target_sources(CommonPreferences PUBLIC
   FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
-    prefs/Classification.h
     prefs/IPreferences.h
     prefs/JsonCommon.h
-    prefs/PreferenceMap.h
-    prefs/PreferenceValue.h
     prefs/Preferences.h
     prefs/PreferencesBase.h
     prefs/PreferencesDefaults.h
     prefs/PreferencesRegistry.h
     prefs/SaveMode.h
-    prefs/SlotTable.h
-    prefs/ValueCache.h
+    prefs/store/KnownLevels.h
+    prefs/store/LevelMap.h
     prefs/testing/IPreferencesContract.h
     utils/Export.h
     utils/Registry.h

@@ -5,13 +5,15 @@
 
 #include <array>
 #include <functional>
+#include <initializer_list>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "prefs/Classification.h"
 #include "prefs/IPreferences.h"
-#include "prefs/PreferenceMap.h"
 #include "prefs/ShareLevel.h"
+#include "prefs/store/KnownLevels.h"
+#include "prefs/store/LevelMap.h"
 #include "utils/Dictionary.h"
 #include "utils/Export.h"
 #include "utils/Variant.h"
@@ -35,9 +37,7 @@ using PreferenceVisitor =
                        const utils::Variant& value)>;
 
 struct LoadedFile;
-
-/// The preferences of each share level, indexed by `EShareLevel`.
-using LevelMaps = std::array<PreferenceMap, kShareLevelCount>;
+struct PreferenceFile;
 
 /// A store of preferences that saves level 0 to a private file and levels 1 to 6 to a shared file.
 ///
@@ -160,36 +160,41 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   void SavePrivatePreferences();
 
  private:
-  /// A preference and the map that holds it.
-  struct Place {
-    PreferenceMap& level;
-    Preference* preference;  // null when there is none
-  };
+  /// The preferences of each share level, indexed by `EShareLevel`.
+  using LevelMaps = std::array<LevelMap, kShareLevelCount>;
 
-  /// What became of the entries of a dictionary.
-  struct Stored {
-    bool any;  // was stored
-    bool all;  // are of types that can be stored
-  };
+  struct Changes;
+  struct Names;
+  struct Place;
 
-  void SetClassification(Classification&& classification) noexcept;
   bool ClassifiesByTable() const;
-  EShareLevel LevelOf(const FoldedPair& pair);
-  Place Locate(const FoldedPair& pair);
-  const Preference* FindPreference(const FoldedPair& pair) { return Locate(pair).preference; }
-  void Store(const FoldedPair& pair, const PreferenceValue& value);
-  Stored StoreEntries(const vemora_ustring& category, const utils::Dictionary& entries,
-                      LevelMaps& maps);
-  void TakeShared(LoadedFile&& loaded) noexcept;
+  EShareLevel LevelOf(const Names& names);
+  Place Locate(const Names& names);
+  template <typename Value>
+  void Store(const Names& names, const Value& value);
+  bool StoreDictionary(const vemora_ustring& category, const utils::Dictionary& in);
+
+  bool RecordsChanges();
+  void SetChanged() noexcept;
+
+  enum class EFile { kShared, kPrivate };
+
+  PreferenceFile SharedFile();
+  PreferenceFile PrivateFile();
+  bool TakeShared(LoadedFile&& loaded) noexcept;
+  std::vector<LoadedFile> Load(std::initializer_list<PreferenceFile> files);
+  bool SaveProtectedFiles(std::initializer_list<EFile> files);
   const vemora_ustring& GetPathOfLock() const;
 
   LevelMaps levels;
-  Classification levelData;
+  KnownLevels levelData;
   bool dirty = false;
   bool deleteFilesOnExit = false;
   bool savePrefs = true;
   vemora_ustring sharedPath;
   vemora_ustring privatePath;
+  std::unique_ptr<Changes> changes;  // none as long as no protected save needs them
+  bool unrecordedChanges = false;    // made while there were none
 };
 
 }  // namespace vemora::prefs

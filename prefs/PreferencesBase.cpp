@@ -91,19 +91,26 @@ bool PreferencesBase::WriteBinary(const vemora_ustring& category, const vemora_u
 void PreferencesBase::LoadPreferences() {}
 
 void PreferencesBase::SavePreferences() {
-  for (const ValueCache::Entry* entry : cache.InOrder()) {
-    SaveValue(vemora_ustring(entry->Category()), vemora_ustring(entry->Key()), entry->value);
+  for (const auto& [category, values] : cache) {
+    for (const auto& [key, value] : values) {
+      SaveValue(category, key, value);
+    }
   }
 }
 
 const Variant* PreferencesBase::GetValueFromMaps(const vemora_ustring& category,
                                                  const vemora_ustring& key) const {
-  return cache.Find(category, key);
+  const auto values = cache.find(category);
+  if (values == cache.end()) {
+    return nullptr;
+  }
+  const auto found = values->second.find(key);
+  return found != values->second.end() ? &found->second : nullptr;
 }
 
 void PreferencesBase::WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
                                        const Variant& value) {
-  cache.Set(category, key, value);
+  cache[category].insert_or_assign(key, value);
 }
 
 void PreferencesBase::SaveValue(const vemora_ustring& category, const vemora_ustring& key,

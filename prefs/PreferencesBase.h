@@ -2,10 +2,10 @@
 /// A cache of values in front of a store that a subclass supplies. Not thread-safe.
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "prefs/IPreferences.h"
-#include "prefs/ValueCache.h"
 #include "utils/Export.h"
 #include "utils/Variant.h"
 #include "utils/vemora_ustring.h"
@@ -96,7 +96,7 @@ class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
   void SaveValue(const vemora_ustring& category, const vemora_ustring& key,
                  const utils::Variant& value);
 
-  ValueCache cache;
+  std::map<vemora_ustring, std::map<vemora_ustring, utils::Variant>> cache;
   bool writeImmediately;
 };
 

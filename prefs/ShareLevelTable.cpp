@@ -2,6 +2,8 @@
 
 #include <iterator>
 
+#include "prefs/store/Name.h"
+
 namespace vemora::prefs {
 namespace {
 
@@ -587,6 +589,20 @@ std::vector<ShareLevelEntry> MakeShareLevelTable() {
                      static_cast<std::int32_t>(row.Level())});
   }
   return table;
+}
+
+KnownLevels MakeKnownLevels() {
+  // Made once and shared by all stores, for ASCII folds alike in every locale.
+  static const KnownLevels known = [] {
+    KnownLevels levels;
+    for (const ShareLevelRow& row : kRows) {
+      if (row.Level() <= kWindowsOnly) {
+        levels.Set({row.Category(), row.Key()}, row.Level());
+      }
+    }
+    return levels;
+  }();
+  return known;
 }
 
 }  // namespace vemora::prefs

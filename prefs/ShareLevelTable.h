@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "prefs/ShareLevel.h"
+#include "prefs/store/KnownLevels.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
@@ -21,6 +22,10 @@ struct ShareLevelEntry {
 
 /// A fresh sequence of all classified preferences, in table order.
 std::vector<ShareLevelEntry> MakeShareLevelTable();
+
+/// What the store goes by: the levels of the preferences of this platform, of this computer and of
+/// all. Preferences of other platforms are left out on purpose, and so take the default level.
+KnownLevels MakeKnownLevels();
 
 /// One row of the built-in table, as small as it can be. The names are ASCII.
 class ShareLevelRow {

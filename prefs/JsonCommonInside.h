@@ -1,0 +1,55 @@
+/// @file
+/// What the sources of JsonCommon share. Internal to the library.
+#pragma once
+
+#include <cstddef>
+
+#include "prefs/JsonCommon.h"
+#include "prefs/store/ChangeLog.h"
+#include "prefs/store/LevelTable.h"
+#include "prefs/store/Name.h"
+
+namespace vemora::prefs {
+
+/// The names of a preference, as a host gave them and as the store looks for them.
+struct JsonCommon::Names {
+  Names(const vemora_ustring& categoryName, const vemora_ustring& keyName)
+      : category(categoryName), key(keyName), pair(categoryName, keyName) {}
+
+  const vemora_ustring& category;
+  const vemora_ustring& key;
+  NamePair pair;
+};
+
+/// A preference and the level that holds it.
+struct JsonCommon::Place {
+  LevelTable& level;
+  PreferenceRecord* preference;  // null when there is none
+};
+
+/// What was changed, by file.
+struct JsonCommon::Changes {
+  static constexpr std::size_t kSharedLevels = kShareLevelCount - kSharedForAllComputers;
+
+  /// @param everything as in `ChangeLog`
+  explicit Changes(bool everything)
+      : shared_file(kSharedLevels, everything), private_file(1, everything) {}
+
+  void NoteChange(EShareLevel level, const NamePair& names) {
+    if (level == kThisComputerOnly) {
+      private_file.NoteChange(0, names);
+    } else {
+      shared_file.NoteChange(level - kSharedForAllComputers, names);
+    }
+  }
+
+  void NoteErasedCategory(const Name& name) {
+    shared_file.NoteErasedCategory(name);
+    private_file.NoteErasedCategory(name);
+  }
+
+  ChangeLog shared_file;
+  ChangeLog private_file;
+};
+
+}  // namespace vemora::prefs

@@ -1,0 +1,43 @@
+/// @file
+/// A preference file and what belongs into it. Internal to the library.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+#include "prefs/json/LevelsReader.h"
+#include "prefs/json/TextBuffer.h"
+#include "utils/vemora_ustring.h"
+
+namespace vemora::prefs {
+
+class ChangeLog;
+class LevelMap;
+
+/// The levels of a store that are kept in one file.
+struct PreferenceFile {
+  const utils::vemora_ustring& path;
+  LevelMap* levels;
+  const utils::vemora_ustring* names;  // of the levels
+  std::size_t count;                   // of both
+  ChangeLog* changes;                  // null when nobody records them
+};
+
+struct LoadedFile {
+  /// Nothing when the file is missing, unreadable or empty.
+  std::optional<LoadedLevels> levels;
+  /// As `HashOfText` gives it, 0 when the file was not loaded in protected mode.
+  std::size_t hash = 0;
+  /// In protected mode, a file that is there and cannot be read.
+  bool unreadable = false;
+};
+
+/// Never 0, which stands for a text that is not known.
+std::size_t HashOfText(std::string_view text);
+
+/// The text of a file that holds these levels.
+/// @param levels as many as the file has
+TextBuffer WriteFileText(const PreferenceFile& file, const LevelMap* levels);
+
+}  // namespace vemora::prefs

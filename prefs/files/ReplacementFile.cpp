@@ -1,0 +1,25 @@
+#include "prefs/files/ReplacementFile.h"
+
+namespace vemora::prefs {
+
+ReplacementFile::ReplacementFile(const utils::vemora_ustring& path)
+    : path_(path), temporary_(path + utils::vemora_ustring(".tmp")) {}
+
+ReplacementFile::~ReplacementFile() {
+  if (exists_) {
+    utils::DeleteFileIfPresent(temporary_);
+  }
+}
+
+utils::SystemError ReplacementFile::Write(std::string_view bytes) {
+  exists_ = true;
+  return utils::WriteFileFlushed(temporary_, bytes);
+}
+
+utils::SystemError ReplacementFile::PutInPlace() {
+  const utils::SystemError error = utils::ReplaceFileAtomically(temporary_, path_);
+  exists_ = error != 0;
+  return error;
+}
+
+}  // namespace vemora::prefs

@@ -1,0 +1,149 @@
+#include "prefs/json/LevelsReader.h"
+
+#include <rapidjson/reader.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "prefs/json/JsonAllocator.h"
+#include "prefs/json/JsonNumber.h"
+#include "prefs/json/SurrogateEscapes.h"
+#include "prefs/store/LevelBuilder.h"
+#include "utils/Utf8.h"
+#include "utils/vemora_ustring.h"
+
+namespace vemora::prefs {
+
+namespace {
+
+using rapidjson::SizeType;
+
+/// UTF-8 as the store keeps it, in `buffer` if ill-formed bytes had to be replaced.
+std::string_view Normalize(std::string_view bytes, std::string& buffer) {
+  if (utils::IsWellFormedUtf8(bytes)) {
+    return bytes;
+  }
+  buffer = utils::vemora_ustring::FromUtf8(bytes).ToUtf8();
+  return buffer;
+}
+
+/// Takes what RapidJSON finds and puts it into new levels. Each function returns whether the text
+/// is good so far.
+class LevelsHandler {
+ public:
+  explicit LevelsHandler(std::size_t count) : levels_(count) {}
+
+  LoadedLevels Take() { return std::move(levels_); }
+
+  bool Null() { return true; }
+
+  bool Bool(bool value) { return Add(value); }
+
+  bool String(const char* text, SizeType size, bool /*copy*/) {
+    return !IsIn(kCategory) || Add(Normalize({text, size}, text_));
+  }
+
+  bool RawNumber(const char* text, SizeType size, bool /*copy*/) {
+    const std::optional<JsonNumber> number = ReadJsonNumber({text, size});
+    if (!number.has_value()) {
+      return false;
+    }
+    if (const int* const integer = std::get_if<int>(&*number)) {
+      return Add(*integer);
+    }
+    const double* const real = std::get_if<double>(&*number);
+    return real == nullptr || Add(*real);
+  }
+
+  bool Key(const char* name, SizeType size, bool /*copy*/) {
+    name_ = {name, size};
+    members_ += IsIn(kRoot) ? 1 : 0;
+    return size <= LevelTable::kLongestName;
+  }
+
+  bool StartObject() {
+    if (skipped_ > 0 || depth_ == kCategory || (depth_ == kRoot && members_ > levels_.size())) {
+      return StartArray();
+    }
+    ++depth_;
+    if (depth_ == kLevel) {
+      builder_.emplace(*levels_[members_ - 1].emplace());
+    } else if (depth_ == kCategory) {
+      builder_->StartCategory(Normalize(name_, normalized_));
+    }
+    return true;
+  }
+
+  bool EndObject(SizeType /*members*/) {
+    if (skipped_ > 0) {
+      return EndArray(0);
+    }
+    if (depth_ == kLevel) {
+      builder_->Finish();
+    }
+    --depth_;
+    return true;
+  }
+
+  /// What is in an array is not looked at.
+  bool StartArray() {
+    ++skipped_;
+    return true;
+  }
+
+  bool EndArray(SizeType /*elements*/) {
+    --skipped_;
+    return true;
+  }
+
+  // What RapidJSON calls for numbers that it converts itself, which it is told not to do.
+  bool Int(int /*value*/) { return false; }
+  bool Uint(unsigned /*value*/) { return false; }
+  bool Int64(std::int64_t /*value*/) { return false; }
+  bool Uint64(std::uint64_t /*value*/) { return false; }
+  bool Double(double /*value*/) { return false; }
+
+ private:
+  /// Objects within objects.
+  enum Depth { kNone, kRoot, kLevel, kCategory };
+
+  bool IsIn(Depth depth) const { return skipped_ == 0 && depth_ == depth; }
+
+  bool Add(const StoredValue& value) {
+    if (IsIn(kCategory)) {
+      builder_->Add(Normalize(name_, normalized_), value);
+    }
+    return true;
+  }
+
+  LoadedLevels levels_;
+  std::size_t members_ = 0;  // of the root
+  int depth_ = kNone;
+  std::size_t skipped_ = 0;  // objects and arrays that are open and not looked at
+  std::string_view name_;    // the latest one
+  std::string normalized_;
+  std::string text_;
+  std::optional<LevelBuilder> builder_;  // of the level that is read
+};
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+LoadedLevels ReadLevels(char* text, std::size_t size, std::size_t count) {
+  UnescapeLoneSurrogates(text, size);
+  const bool marked = std::strncmp(text, kByteOrderMark.data(), kByteOrderMark.size()) == 0;
+  rapidjson::InsituStringStream stream(text + (marked ? kByteOrderMark.size() : 0));
+  // Iterative, for texts may be nested as deep as they like. Numbers are converted here, for
+  // RapidJSON's own exact conversion reads out of bounds.
+  constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
+                              rapidjson::kParseNumbersAsStringsFlag;
+  JsonAllocator allocator;
+  rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> reader(&allocator);
+  LevelsHandler handler(count);
+  return reader.Parse<kFlags>(stream, handler).IsError() ? LoadedLevels(count) : handler.Take();
+}
+
+}  // namespace vemora::prefs

@@ -1,0 +1,91 @@
+/// @file
+/// Eight ASCII characters in one 64-bit word, the first in the lowest byte. Internal to the
+/// library.
+///
+/// Names are folded, compared and hashed a word at a time: character by character a read of an int
+/// takes twice as long.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "utils/vemora_ustring.h"
+
+#if defined(__SSE2__) || defined(_M_X64)
+#define VEMORA_SSE2
+#include <emmintrin.h>
+#endif
+
+namespace vemora::prefs {
+
+constexpr std::size_t kWordSize = sizeof(std::uint64_t);
+
+/// The word whose bytes all are `byte`.
+constexpr std::uint64_t Repeat(unsigned char byte) {
+  return byte * std::uint64_t{0x0101010101010101};
+}
+
+inline std::uint64_t LoadWord(const void* bytes) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof(word));
+  return word;
+}
+
+constexpr bool IsAsciiWord(std::uint64_t word) { return (word & Repeat(0x80)) == 0; }
+
+/// Narrows eight code units.
+/// @return false when one of them is not ASCII; `word` is of no use then
+inline bool NarrowWord(const utils::CodeUnit* units, std::uint64_t& word) {
+#if defined(VEMORA_SSE2)
+  const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+  const __m128i not_ascii = _mm_and_si128(eight, _mm_set1_epi16(-0x80));
+  word = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(eight, eight)));
+  return _mm_movemask_epi8(_mm_cmpeq_epi16(not_ascii, _mm_setzero_si128())) == 0xFFFF;
+#else
+  std::uint64_t any = 0;
+  word = 0;
+  for (std::size_t index = 0; index < kWordSize; ++index) {
+    any |= units[index];
+    word |= std::uint64_t{units[index]} << (8 * index);
+  }
+  return any < 0x80;
+#endif
+}
+
+/// 0x80 in each byte that is `character`, 0 in all others.
+/// @param word ASCII
+constexpr std::uint64_t FindInWord(std::uint64_t word, char character) {
+  const std::uint64_t zero_if_found = word ^ Repeat(static_cast<unsigned char>(character));
+  return ~(zero_if_found + Repeat(0x7F)) & Repeat(0x80);
+}
+
+/// The letters in upper case.
+/// @param word ASCII
+constexpr std::uint64_t FoldWord(std::uint64_t word) {
+  const std::uint64_t from_a = word + Repeat(0x80 - 'a');
+  const std::uint64_t behind_z = word + Repeat(0x7F - 'z');
+  const std::uint64_t lower = (from_a ^ behind_z) & Repeat(0x80);
+  return word - (lower >> 2);
+}
+
+/// The letters in upper case, and 0xFF for I and S.
+/// @param word ASCII
+inline std::uint64_t ClassifyWord(std::uint64_t word) {
+#if defined(VEMORA_SSE2)
+  const __m128i eight = _mm_cvtsi64_si128(static_cast<long long>(word));
+  const __m128i lower = _mm_and_si128(_mm_cmpgt_epi8(eight, _mm_set1_epi8('a' - 1)),
+                                      _mm_cmplt_epi8(eight, _mm_set1_epi8('z' + 1)));
+  const __m128i folded = _mm_sub_epi8(eight, _mm_and_si128(lower, _mm_set1_epi8('a' - 'A')));
+  const __m128i any = _mm_or_si128(_mm_cmpeq_epi8(folded, _mm_set1_epi8('I')),
+                                   _mm_cmpeq_epi8(folded, _mm_set1_epi8('S')));
+  return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_or_si128(folded, any)));
+#else
+  constexpr std::uint64_t kWholeByte = 0xFF;
+  const std::uint64_t folded = FoldWord(word);
+  const std::uint64_t any = FindInWord(folded, 'I') | FindInWord(folded, 'S');
+  return folded | (any >> 7) * kWholeByte;
+#endif
+}
+
+}  // namespace vemora::prefs

@@ -1,0 +1,439 @@
+#include "prefs/store/LevelTable.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "prefs/store/Name.h"
+#include "prefs/store/NameHash.h"
+
+namespace vemora::prefs {
+
+using utils::Variant;
+
+namespace {
+
+/// Of a name, with the zeros behind it.
+constexpr std::size_t PaddedSize(std::size_t size) { return (size + 7) / 8 * 8; }
+
+template <typename RecordType>
+std::size_t SizeOf(const RecordType& record) {
+  return sizeof(RecordType) + PaddedSize(record.name_size);
+}
+
+/// Makes a record, of which the name, the hash and the kind are set.
+template <typename RecordType>
+Arena::Ref NewRecord(Arena& arena, std::string_view name, bool ascii, std::uint32_t hash,
+                     std::uint32_t kind) {
+  if (name.size() > LevelTable::kLongestName) {
+    throw std::length_error("a name of 64 MiB in the preferences");
+  }
+  const Arena::Ref ref = arena.Allocate(sizeof(RecordType) + PaddedSize(name.size()));
+  auto* const record = new (arena.At(ref)) RecordType;
+  record->hash = hash;
+  record->name_size = static_cast<std::uint32_t>(name.size()) & LevelTable::kLongestName;
+  record->name_is_ascii = ascii ? 1 : 0;
+  record->kind = kind & 7;
+  char* const bytes = reinterpret_cast<char*>(record + 1);
+  if (!name.empty()) {
+    std::memset(bytes + PaddedSize(name.size()) - 8, 0, 8);
+    std::memcpy(bytes, name.data(), name.size());
+  }
+  return ref;
+}
+
+template <typename RecordType>
+ENameMatch MatchName(const Name& name, const RecordType& record) {
+  return name.Match(record.Name(), record.name_is_ascii != 0);
+}
+
+/// Finds a record in a chain, which begins with the one that came last: the exact one if there is
+/// one, else the first one that came.
+template <typename RecordType, typename Match>
+Arena::Ref FindInChain(const Arena& arena, Arena::Ref first, std::uint32_t hash, Match match) {
+  Arena::Ref found = Arena::kNone;
+  Arena::Ref next = Arena::kNone;
+  for (Arena::Ref ref = first; ref != Arena::kNone; ref = next) {
+    const auto& record = *static_cast<const RecordType*>(arena.At(ref));
+    next = record.next_of_hash;
+    if (record.hash != hash || record.kind == RecordType::kErased) {
+      continue;
+    }
+    const ENameMatch matched = match(record);
+    if (matched == ENameMatch::kExact) {
+      return ref;
+    }
+    found = matched == ENameMatch::kByLocale ? ref : found;
+  }
+  return found;
+}
+
+/// Files that the store wrote are in order already.
+template <typename RecordType>
+void SortByName(std::vector<const RecordType*>& records) {
+  const auto less = [](const RecordType* left, const RecordType* right) {
+    return CompareNames(left->Name(), right->Name()) < 0;
+  };
+  if (!std::is_sorted(records.begin(), records.end(), less)) {
+    std::stable_sort(records.begin(), records.end(), less);
+  }
+}
+
+template <typename Item>
+void ReserveMore(std::vector<Item>& items, std::size_t more) {
+  if (items.size() + more > items.capacity()) {
+    items.reserve(std::max(items.size() + more, items.capacity() * 2));
+  }
+}
+
+void Shift(Arena::Ref& ref, Arena::Ref shift) {
+  if (ref != Arena::kNone) {
+    ref += shift;
+  }
+}
+
+}  // namespace
+
+LevelTable::LevelTable(const LevelTable& other) {
+  for (const Ref ref : other.categories_) {
+    if (other.CategoryAt(ref).kind != CategoryRecord::kErased) {
+      AppendCopy(other, other.CategoryAt(ref));
+    }
+  }
+  FillCategoryIndex(categories_.size());
+  FillPreferenceIndex(indexed_preferences_);
+}
+
+void LevelTable::CopyCategory(const LevelTable& other, const Name& name) {
+  if (const CategoryRecord* const category = other.FindCategory(name)) {
+    AppendCopy(other, *category);
+    FillCategoryIndex(categories_.size());
+    FillPreferenceIndex(indexed_preferences_);
+  }
+}
+
+/// Copies a category with its preferences, which are in no index then.
+void LevelTable::AppendCopy(const LevelTable& other, const CategoryRecord& category) {
+  const Ref copy = NewCategory(category.Name(), category.name_is_ascii != 0, category.name_hash);
+  other.ForEachOf(category, [&](Ref ref) {
+    const PreferenceRecord& preference = other.PreferenceAt(ref);
+    Append(NewPreference(preference.Name(), preference.name_is_ascii != 0, preference.hash,
+                         other.GetValue(preference)),
+           copy);
+  });
+}
+
+Arena::Ref LevelTable::FindCategoryRef(const Name& name) const {
+  const std::uint32_t hash = HashOfCategory(name.Hash());
+  return FindInChain<CategoryRecord>(
+      arena_, category_index_.First(hash), hash,
+      [&name](const CategoryRecord& category) { return MatchName(name, category); });
+}
+
+Arena::Ref LevelTable::FindRef(const NamePair& names) const {
+  return FindInChain<PreferenceRecord>(
+      arena_, preference_index_.First(names.hash), names.hash,
+      [this, &names](const PreferenceRecord& preference) {
+        const ENameMatch match = MatchName(names.key, preference);
+        return match == ENameMatch::kNone
+                   ? match
+                   : std::min(match, MatchName(names.category, CategoryAt(preference.category)));
+      });
+}
+
+const CategoryRecord* LevelTable::FindCategory(const Name& name) const {
+  const Ref ref = FindCategoryRef(name);
+  return ref != Arena::kNone ? &CategoryAt(ref) : nullptr;
+}
+
+StoredValue LevelTable::GetValue(const PreferenceRecord& preference) const {
+  switch (preference.kind) {
+    case PreferenceRecord::kInt:
+      return preference.value.integer;
+    case PreferenceRecord::kBool:
+      return preference.value.boolean;
+    case PreferenceRecord::kDouble:
+      return preference.value.real;
+    case PreferenceRecord::kText:
+      return GetText(preference);
+    default:
+      return &others_[preference.value.other];
+  }
+}
+
+std::string_view LevelTable::GetText(const PreferenceRecord& preference) const {
+  const PreferenceRecord::Text& text = preference.value.text;
+  return {static_cast<const char*>(arena_.At(text.ref)), text.size};
+}
+
+std::vector<const CategoryRecord*> LevelTable::GetCategories() const {
+  std::vector<const CategoryRecord*> categories;
+  categories.reserve(live_categories_);
+  for (const Ref ref : categories_) {
+    if (CategoryAt(ref).kind != CategoryRecord::kErased) {
+      categories.push_back(&CategoryAt(ref));
+    }
+  }
+  SortByName(categories);
+  return categories;
+}
+
+std::vector<const PreferenceRecord*> LevelTable::GetPreferences(
+    const CategoryRecord& category) const {
+  std::vector<const PreferenceRecord*> preferences;
+  preferences.reserve(category.count);
+  ForEachOf(category, [&](Ref ref) { preferences.push_back(&PreferenceAt(ref)); });
+  SortByName(preferences);
+  return preferences;
+}
+
+void LevelTable::Add(const NamePair& names, const StoredValue& value) {
+  DropWaste();
+  ReserveIndex(1, 1);
+  const Ref preference = NewPreference(names.key.Utf8(), names.key.IsAscii(), names.hash, value);
+  Ref category = FindCategoryRef(names.category);
+  if (category == Arena::kNone) {
+    AddCategory(names.category);
+    category = categories_.back();
+  }
+  Append(preference, category);
+  PreferenceRecord& record = PreferenceAt(preference);
+  preference_index_.Add(record.hash, preference, record.next_of_hash);
+}
+
+void LevelTable::Assign(PreferenceRecord& preference, const StoredValue& value) {
+  const auto* const text = std::get_if<std::string_view>(&value);
+  if (text != nullptr && preference.kind == PreferenceRecord::kText &&
+      text->size() <= preference.text_capacity) {
+    std::memmove(arena_.At(preference.value.text.ref), text->data(), text->size());
+    preference.value.text.size = static_cast<std::uint32_t>(text->size());
+    return;
+  }
+  const Content content = MakeContent(value);
+  DropValue(preference);
+  preference.kind = content.kind & 7;
+  preference.text_capacity = content.text_capacity;
+  preference.value = content.value;
+  DropWaste();
+}
+
+void LevelTable::Set(const NamePair& names, const StoredValue& value) {
+  if (PreferenceRecord* const found = Find(names)) {
+    Assign(*found, value);
+  } else {
+    Add(names, value);
+  }
+}
+
+bool LevelTable::Erase(const NamePair& names) {
+  bool erased = false;
+  while (PreferenceRecord* const found = Find(names)) {
+    EraseRecord(*found);
+    CategoryRecord& category = CategoryAt(found->category);
+    if (--category.count == 0) {
+      EraseRecord(category);
+    }
+    erased = true;
+  }
+  DropWaste();
+  return erased;
+}
+
+bool LevelTable::EraseCategory(const Name& name) {
+  bool erased = false;
+  for (Ref ref = FindCategoryRef(name); ref != Arena::kNone; ref = FindCategoryRef(name)) {
+    EmptyCategory(CategoryAt(ref));
+    EraseRecord(CategoryAt(ref));
+    erased = true;
+  }
+  return erased;
+}
+
+void LevelTable::AddCategory(const Name& name) {
+  ReserveIndex(0, 1);
+  const Ref ref = NewCategory(name.Utf8(), name.IsAscii(), name.Hash());
+  CategoryRecord& category = CategoryAt(ref);
+  category_index_.Add(category.hash, ref, category.next_of_hash);
+}
+
+void LevelTable::ReserveFor(const LevelTable& other) {
+  ReserveIndex(other.indexed_preferences_, other.categories_.size());
+  ReserveMore(categories_, other.categories_.size());
+  ReserveMore(others_, other.others_.size());
+  arena_.ReserveFor(other.arena_);
+}
+
+void LevelTable::Adopt(LevelTable&& other) {
+  ReserveFor(other);
+  const std::size_t first_other = others_.size();
+  const Ref shift = arena_.Adopt(std::move(other.arena_));
+  std::move(other.others_.begin(), other.others_.end(), std::back_inserter(others_));
+  for (const Ref other_ref : other.categories_) {
+    const Ref category_ref = other_ref + shift;
+    CategoryRecord& category = CategoryAt(category_ref);
+    Shift(category.first, shift);
+    Shift(category.last, shift);
+    categories_.push_back(category_ref);
+    category_index_.Add(category.hash, category_ref, category.next_of_hash);
+    for (Ref ref = category.first; ref != Arena::kNone; ref = PreferenceAt(ref).next_of_category) {
+      PreferenceRecord& preference = PreferenceAt(ref);
+      Shift(preference.next_of_category, shift);
+      preference.category = category_ref;
+      if (preference.kind == PreferenceRecord::kText) {
+        Shift(preference.value.text.ref, shift);
+      } else if (preference.kind == PreferenceRecord::kOther) {
+        preference.value.other += first_other;
+      }
+      preference_index_.Add(preference.hash, ref, preference.next_of_hash);
+    }
+  }
+  indexed_preferences_ += other.indexed_preferences_;
+  live_categories_ += other.live_categories_;
+  wasted_ += other.wasted_;
+  other = LevelTable();
+  DropWaste();
+}
+
+/// A category that is in no index yet.
+Arena::Ref LevelTable::NewCategory(std::string_view name, bool ascii, std::uint64_t hash) {
+  ReserveMore(categories_, 1);
+  const Ref ref =
+      NewRecord<CategoryRecord>(arena_, name, ascii, HashOfCategory(hash), CategoryRecord::kLive);
+  CategoryRecord& category = CategoryAt(ref);
+  category.count = 0;
+  category.name_hash = hash;
+  category.first = Arena::kNone;
+  category.last = Arena::kNone;
+  categories_.push_back(ref);
+  ++live_categories_;
+  return ref;
+}
+
+/// A preference that is in no category and in no index yet.
+Arena::Ref LevelTable::NewPreference(std::string_view name, bool ascii, std::uint32_t hash,
+                                     const StoredValue& value) {
+  const Content content = MakeContent(value);
+  const Ref ref = NewRecord<PreferenceRecord>(arena_, name, ascii, hash, content.kind);
+  PreferenceRecord& preference = PreferenceAt(ref);
+  preference.text_capacity = content.text_capacity;
+  preference.value = content.value;
+  return ref;
+}
+
+/// Takes what it needs from the arena; no preference changes yet.
+LevelTable::Content LevelTable::MakeContent(const StoredValue& value) {
+  Content content = {PreferenceRecord::kOther, 0, {}};
+  if (const int* const integer = std::get_if<int>(&value)) {
+    content.kind = PreferenceRecord::kInt;
+    content.value.integer = *integer;
+  } else if (const bool* const boolean = std::get_if<bool>(&value)) {
+    content.kind = PreferenceRecord::kBool;
+    content.value.boolean = *boolean;
+  } else if (const double* const real = std::get_if<double>(&value)) {
+    content.kind = PreferenceRecord::kDouble;
+    content.value.real = *real;
+  } else if (const auto* const text = std::get_if<std::string_view>(&value)) {
+    return MakeText(*text);
+  } else {
+    content.value.other = others_.size();
+    others_.push_back(ToVariant(value));
+  }
+  return content;
+}
+
+LevelTable::Content LevelTable::MakeText(std::string_view text) {
+  if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
+    throw std::length_error("a preference of 4 GiB");
+  }
+  const auto size = static_cast<std::uint32_t>(text.size());
+  Content content = {PreferenceRecord::kText, size, {}};
+  content.value.text = {arena_.Allocate(size), size};
+  std::copy(text.begin(), text.end(), static_cast<char*>(arena_.At(content.value.text.ref)));
+  return content;
+}
+
+/// Puts a preference behind the others of its category.
+void LevelTable::Append(Ref preference, Ref category) noexcept {
+  PreferenceRecord& record = PreferenceAt(preference);
+  record.category = category;
+  record.next_of_category = Arena::kNone;
+  CategoryRecord& owner = CategoryAt(category);
+  (owner.first == Arena::kNone ? owner.first : PreferenceAt(owner.last).next_of_category) =
+      preference;
+  owner.last = preference;
+  ++owner.count;
+  ++indexed_preferences_;
+}
+
+void LevelTable::DropValue(PreferenceRecord& preference) noexcept {
+  if (preference.kind == PreferenceRecord::kText) {
+    wasted_ += preference.text_capacity;
+  } else if (preference.kind == PreferenceRecord::kOther) {
+    others_[preference.value.other] = Variant();
+    wasted_ += sizeof(Variant);
+  }
+}
+
+void LevelTable::EraseRecord(PreferenceRecord& preference) noexcept {
+  DropValue(preference);
+  wasted_ += SizeOf(preference);
+  preference.kind = PreferenceRecord::kErased;
+}
+
+void LevelTable::EraseRecord(CategoryRecord& category) noexcept {
+  wasted_ += SizeOf(category);
+  category.kind = CategoryRecord::kErased;
+  --live_categories_;
+}
+
+void LevelTable::EmptyCategory(CategoryRecord& category) noexcept {
+  ForEachOf(category, [this](Ref ref) { EraseRecord(PreferenceAt(ref)); });
+  category.count = 0;
+}
+
+/// Makes room in the indexes.
+void LevelTable::ReserveIndex(std::size_t preferences, std::size_t categories) {
+  const auto reserve = [this](const HashIndex& index, std::size_t count, auto fill) {
+    if (count > index.Capacity()) {
+      (this->*fill)(std::max(count, index.Capacity() * 2));
+    }
+  };
+  reserve(preference_index_, indexed_preferences_ + preferences, &LevelTable::FillPreferenceIndex);
+  reserve(category_index_, categories_.size() + categories, &LevelTable::FillCategoryIndex);
+}
+
+void LevelTable::FillPreferenceIndex(std::size_t capacity) {
+  preference_index_.Reset(capacity);
+  for (const Ref category : categories_) {
+    ForEachOf(CategoryAt(category), [this](Ref ref) {
+      PreferenceRecord& preference = PreferenceAt(ref);
+      preference_index_.Add(preference.hash, ref, preference.next_of_hash);
+    });
+  }
+}
+
+void LevelTable::FillCategoryIndex(std::size_t capacity) {
+  category_index_.Reset(capacity);
+  for (const Ref ref : categories_) {
+    CategoryRecord& category = CategoryAt(ref);
+    category_index_.Add(category.hash, ref, category.next_of_hash);
+  }
+}
+
+/// Copies what is not waste, if a third is; out of memory, another time will do.
+void LevelTable::DropWaste() noexcept {
+  constexpr std::size_t kNegligible = std::size_t{64} * 1024;
+  if (wasted_ <= kNegligible || wasted_ <= MemoryUsed() / 3) {
+    return;
+  }
+  try {
+    *this = LevelTable(*this);
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+}  // namespace vemora::prefs

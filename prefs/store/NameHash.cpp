@@ -1,0 +1,88 @@
+#include "prefs/store/NameHash.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <exception>
+#include <random>
+
+#include "utils/Ascii.h"
+
+namespace vemora::prefs {
+
+using utils::CodeUnit;
+using utils::vemora_ustring;
+
+namespace {
+
+template <typename Source>
+HashKeys DrawKeys(Source next) {
+  return {next(), next() | 1, next(), next()};
+}
+
+/// Up to eight code units as a word to be hashed.
+std::uint64_t NarrowForHash(const CodeUnit* units, std::size_t count) {
+  std::uint64_t word = 0;
+  for (std::size_t index = 0; index < count; ++index) {
+    // What is not ASCII counts as I does.
+    const CodeUnit unit = utils::IsAscii(units[index]) ? units[index] : CodeUnit{'I'};
+    word |= static_cast<std::uint64_t>(unit) << (8 * index);
+  }
+  return word;
+}
+
+/// The last bytes of a text, zeros behind them.
+/// @param text the eight bytes before them, too, if there are any
+std::uint64_t LoadRest(std::string_view text, std::size_t rest) {
+  if (text.size() > rest) {
+    return LoadWord(text.data() + rest) >> (8 * (kWordSize - rest));
+  }
+  std::uint64_t word = 0;
+  std::memcpy(&word, text.data(), rest);
+  return word;
+}
+
+}  // namespace
+
+HashKeys MakeHashKeys() {
+  try {
+    std::random_device source;
+    static_assert(sizeof(source()) == sizeof(std::uint32_t));
+    return DrawKeys([&source] { return std::uint64_t{source()} << 32 | source(); });
+  } catch (const std::exception&) {
+    // Without a random source the keys are only hard to guess.
+    const auto now = std::chrono::high_resolution_clock::now().time_since_epoch().count();
+    return DrawKeys(std::mt19937_64(static_cast<std::uint64_t>(now)));
+  }
+}
+
+std::uint64_t HashName(const vemora_ustring& name) {
+  NameHasher hasher;
+  for (std::size_t index = 0; index < name.size(); index += kWordSize) {
+    hasher.AddWord(NarrowForHash(name.data() + index, std::min(kWordSize, name.size() - index)));
+  }
+  return hasher.Finish(name.size());
+}
+
+NameHash HashName(std::string_view utf8) {
+  NameHasher hasher;
+  const std::size_t rest = utf8.size() % kWordSize;
+  std::uint64_t seen = 0;
+  std::size_t index = 0;
+  for (; index < utf8.size() - rest; index += kWordSize) {
+    const std::uint64_t word = LoadWord(utf8.data() + index);
+    seen |= word;
+    hasher.AddWord(word);
+  }
+  if (rest != 0) {
+    const std::uint64_t word = LoadRest(utf8.substr(index - std::min(index, kWordSize)), rest);
+    seen |= word;
+    hasher.AddWord(word);
+  }
+  if (!IsAsciiWord(seen)) {
+    return {HashName(vemora_ustring::FromUtf8(utf8)), false};
+  }
+  return {hasher.Finish(utf8.size()), true};
+}
+
+}  // namespace vemora::prefs
