@@ -134,37 +134,37 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& spelling) { return spelling.param.name; });
 
 /// A store that knows the built-in table.
-class Classification : public ::testing::Test {
+class ClassifiedPair : public ::testing::Test {
  protected:
-  Classification() { store.LoadLevelData(); }
+  ClassifiedPair() { store.LoadLevelData(); }
 
   OpenStore store;
   const ShareLevelOverride default_level{kWebOnly};
 };
 
-TEST_F(Classification, KnowsOneCategoryAtSeveralLevels) {
+TEST_F(ClassifiedPair, KnowsOneCategoryAtSeveralLevels) {
   EXPECT_EQ(store.GetLevel("Preferences", "BrowserHome"), kThisComputerOnly);
   EXPECT_EQ(store.GetLevel("Preferences", "DisplayTabs"), kSharedForAllComputers);
   EXPECT_EQ(store.GetLevel("Preferences", "Image Editor"), kWindowsOnly);
   EXPECT_EQ(store.GetLevel("PrintOptions", "FitToPage"), kWindowsOnly);
 }
 
-TEST_F(Classification, IgnoresTheCaseOfBothNames) {
+TEST_F(ClassifiedPair, IgnoresTheCaseOfBothNames) {
   EXPECT_EQ(store.GetLevel("preferences", "browserhome"), kThisComputerOnly);
   EXPECT_EQ(store.GetLevel("PREFERENCES", "BROWSERHOME"), kThisComputerOnly);
 }
 
-TEST_F(Classification, DoesNotFindAKeyOfAnotherCategory) {
+TEST_F(ClassifiedPair, DoesNotFindAKeyOfAnotherCategory) {
   EXPECT_EQ(store.GetLevel("WelcomeDialog", "curPage"), kThisComputerOnly);
   EXPECT_EQ(store.GetLevel("Preferences", "curPage"), kWebOnly);
 }
 
-TEST_F(Classification, TakesBackslashesAsPlainCharacters) {
+TEST_F(ClassifiedPair, TakesBackslashesAsPlainCharacters) {
   EXPECT_EQ(store.GetLevel("Workspace\\Trays\\Dialogs\\Styles", "Splitter"), kThisComputerOnly);
   EXPECT_EQ(store.GetLevel("Workspace/Trays/Dialogs/Styles", "Splitter"), kWebOnly);
 }
 
-TEST_F(Classification, KnowsNeitherPrefixesNorWildcards) {
+TEST_F(ClassifiedPair, KnowsNeitherPrefixesNorWildcards) {
   EXPECT_EQ(store.GetLevel("Workspace\\Trays\\Dialogs", "Splitter"), kWebOnly);
   EXPECT_EQ(store.GetLevel("Preferences", "Browser"), kWebOnly);
   EXPECT_EQ(store.GetLevel("Preferences", "BrowserHomes"), kWebOnly);
@@ -173,13 +173,13 @@ TEST_F(Classification, KnowsNeitherPrefixesNorWildcards) {
   EXPECT_EQ(store.GetLevel("", "BrowserHome"), kWebOnly);
 }
 
-TEST_F(Classification, GivesUnlistedPreferencesTheDefaultLevel) {
+TEST_F(ClassifiedPair, GivesUnlistedPreferencesTheDefaultLevel) {
   EXPECT_EQ(store.GetLevel("Preferences", "Unlisted"), kWebOnly);
   const ShareLevelOverride guard(kSharedForAllComputers);
   EXPECT_EQ(store.GetLevel("Preferences", "Unlisted"), kSharedForAllComputers);
 }
 
-TEST_F(Classification, GivesUnlistedPreferencesLevelZeroWhileNoDefaultIsChosen) {
+TEST_F(ClassifiedPair, GivesUnlistedPreferencesLevelZeroWhileNoDefaultIsChosen) {
   const ShareLevelOverride guard(kNoShareLevel);
   EXPECT_EQ(store.GetLevel("Preferences", "Unlisted"), kThisComputerOnly);
 }
@@ -190,23 +190,23 @@ TEST(Unloaded, StoreClassifiesNothing) {
   EXPECT_EQ(store.GetLevel("Preferences", "BrowserHome"), kWebOnly);
 }
 
-TEST_F(Classification, AddsAPair) {
+TEST_F(ClassifiedPair, AddsAPair) {
   EXPECT_TRUE(store.LoadLevel("My Plugin", "Runs", {kIOSOnly}));
   EXPECT_EQ(store.GetLevel("My Plugin", "Runs"), kIOSOnly);
 }
 
-TEST_F(Classification, AddsAKeyToAKnownCategory) {
+TEST_F(ClassifiedPair, AddsAKeyToAKnownCategory) {
   EXPECT_TRUE(store.LoadLevel("preferences", "Runs", {kIOSOnly}));
   EXPECT_EQ(store.GetLevel("Preferences", "Runs"), kIOSOnly);
   EXPECT_EQ(store.GetLevel("Preferences", "BrowserHome"), kThisComputerOnly);
 }
 
-TEST_F(Classification, ReplacesTheLevelOfAKnownPairAndSaysFalse) {
+TEST_F(ClassifiedPair, ReplacesTheLevelOfAKnownPairAndSaysFalse) {
   EXPECT_FALSE(store.LoadLevel("PREFERENCES", "browserHOME", {kIOSOnly}));
   EXPECT_EQ(store.GetLevel("Preferences", "BrowserHome"), kIOSOnly);
 }
 
-TEST_F(Classification, IsRebuiltFromTheTableByEveryLoad) {
+TEST_F(ClassifiedPair, IsRebuiltFromTheTableByEveryLoad) {
   store.LoadLevel("My Plugin", "Runs", {kIOSOnly});
   store.LoadLevel("Preferences", "BrowserHome", {kIOSOnly});
   store.LoadLevelData();
@@ -214,7 +214,7 @@ TEST_F(Classification, IsRebuiltFromTheTableByEveryLoad) {
   EXPECT_EQ(store.GetLevel("Preferences", "BrowserHome"), kThisComputerOnly);
 }
 
-TEST_F(Classification, HasEveryPairOnceAfterSeveralLoads) {
+TEST_F(ClassifiedPair, HasEveryPairOnceAfterSeveralLoads) {
   store.LoadLevelData();
   store.LoadLevelData();
   for (const ShareLevelEntry& entry : MakeShareLevelTable()) {

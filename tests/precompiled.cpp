@@ -1,0 +1,1 @@
+// The one source of the target that owns the precompiled header.
