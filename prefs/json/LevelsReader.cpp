@@ -71,7 +71,7 @@ class LevelsHandler {
     if (depth_ == kLevel) {
       builder_.emplace(*levels_[members_ - 1].emplace());
     } else if (depth_ == kCategory) {
-      builder_->StartCategory(Normalize(name_, normalized_));
+      builder_->StartCategory(name_);
     }
     return true;
   }
@@ -113,7 +113,7 @@ class LevelsHandler {
 
   bool Add(const StoredValue& value) {
     if (IsIn(kCategory)) {
-      builder_->Add(Normalize(name_, normalized_), value);
+      builder_->Add(name_, value);
     }
     return true;
   }
@@ -123,7 +123,6 @@ class LevelsHandler {
   int depth_ = kNone;
   std::size_t skipped_ = 0;  // objects and arrays that are open and not looked at
   std::string_view name_;    // the latest one
-  std::string normalized_;
   std::string text_;
   std::optional<LevelBuilder> builder_;  // of the level that is read
 };

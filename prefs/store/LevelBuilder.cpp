@@ -7,6 +7,8 @@
 
 #include "prefs/store/Name.h"
 #include "prefs/store/NameHash.h"
+#include "utils/Utf8.h"
+#include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
 
@@ -36,16 +38,26 @@ void SortAndMerge(std::vector<Ref>& refs, GetName getName, Merge merge) {
 }  // namespace
 
 void LevelBuilder::StartCategory(std::string_view name) {
-  const NameHash hashed = HashName(name);
+  const NameHash hashed = Prepare(name);
   category_ = table_.NewCategory(name, hashed.ascii, hashed.hash);
   category_hash_ = hashed.hash;
 }
 
 void LevelBuilder::Add(std::string_view key, const StoredValue& value) {
-  const NameHash hashed = HashName(key);
+  const NameHash hashed = Prepare(key);
   table_.Append(
       table_.NewPreference(key, hashed.ascii, HashOfPair(category_hash_, hashed.hash), value),
       category_);
+}
+
+/// Makes a name what the store keeps.
+NameHash LevelBuilder::Prepare(std::string_view& name) {
+  const NameHash hashed = HashName(name);
+  if (!hashed.ascii && !utils::IsWellFormedUtf8(name)) {
+    replaced_ = utils::vemora_ustring::FromUtf8(name).ToUtf8();
+    name = replaced_;
+  }
+  return hashed;
 }
 
 void LevelBuilder::Finish() {

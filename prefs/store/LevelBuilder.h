@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "prefs/store/LevelTable.h"
+#include "prefs/store/NameHash.h"
 
 namespace vemora::prefs {
 
@@ -13,7 +15,7 @@ namespace vemora::prefs {
 /// what is not in ascending order is sorted, and equal names that are neighbours then become one.
 /// So no choice of names makes a load slow, and a file that the store wrote is only compared.
 ///
-/// All names are well-formed UTF-8, in which a lone surrogate may have its 3-byte form.
+/// Ill-formed UTF-8 in names is replaced as `vemora_ustring::FromUtf8` does.
 class LevelBuilder {
  public:
   /// @param table empty; complete after `Finish` only
@@ -30,6 +32,7 @@ class LevelBuilder {
  private:
   using Ref = Arena::Ref;
 
+  NameHash Prepare(std::string_view& name);
   bool IsAscending(const CategoryRecord& category) const;
   void MergeCategories();
   void MergePreferences(Ref category);
@@ -38,6 +41,7 @@ class LevelBuilder {
   LevelTable& table_;
   Ref category_ = Arena::kNone;
   std::uint64_t category_hash_ = 0;
+  std::string replaced_;  // a name that was ill-formed
 };
 
 }  // namespace vemora::prefs

@@ -177,22 +177,18 @@ ENameMatch Name::Match(std::string_view stored, bool storedIsAscii) const {
 std::uint32_t NamePair::Hash() const { return HashOfPair(category.Hash(), key.Hash()); }
 
 int CompareNames(std::string_view left, std::string_view right) {
-  const std::size_t common = SizeOfCommonStart(left, right);
-  left.remove_prefix(common);
-  right.remove_prefix(common);
-  const std::size_t ascii = std::min(utils::CountAscii(left.data(), left.size()),
-                                     utils::CountAscii(right.data(), right.size()));
-  for (std::size_t index = 0; index < ascii; ++index) {
+  const std::size_t size = std::min(left.size(), right.size());
+  for (std::size_t index = SizeOfCommonStart(left, right); index < size; ++index) {
+    if (!utils::IsAscii(left[index]) || !utils::IsAscii(right[index])) {
+      return CompareUnits(UnitReader(left.substr(index)), UnitReader(right.substr(index)));
+    }
     const CodeUnit left_unit = utils::FoldUnit(static_cast<CodeUnit>(left[index]));
     const CodeUnit right_unit = utils::FoldUnit(static_cast<CodeUnit>(right[index]));
     if (left_unit != right_unit) {
       return left_unit < right_unit ? -1 : 1;
     }
   }
-  if (ascii == left.size() || ascii == right.size()) {
-    return left.size() == right.size() ? 0 : (left.size() < right.size() ? -1 : 1);
-  }
-  return CompareUnits(UnitReader(left.substr(ascii)), UnitReader(right.substr(ascii)));
+  return left.size() == right.size() ? 0 : (left.size() < right.size() ? -1 : 1);
 }
 
 }  // namespace vemora::prefs

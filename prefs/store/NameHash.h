@@ -77,7 +77,7 @@ struct NameHash {
   bool ascii;
 };
 
-/// @param utf8 well-formed, but a lone surrogate may have its 3-byte form
+/// @param utf8 what is ill-formed counts as `vemora_ustring::FromUtf8` replaces it
 NameHash HashName(std::string_view utf8);
 
 inline std::uint32_t HashOfCategory(std::uint64_t category) {
