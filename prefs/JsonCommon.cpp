@@ -34,20 +34,6 @@ vemora_ustring DictionaryCategory(const vemora_ustring& name) {
   return name + vemora_ustring(".dictionary");
 }
 
-/// Stores a value, unless the overwrite flag is false and there is one already; false then.
-bool StoreIn(LevelTable& level, PreferenceRecord* found, const NamePair& names,
-             const StoredValue& value) {
-  if (found == nullptr) {
-    level.Add(names, value);
-    return true;
-  }
-  if (!GetDefaultOverwriteFlag()) {
-    return false;
-  }
-  level.Assign(*found, value);
-  return true;
-}
-
 }  // namespace
 
 JsonCommon::JsonCommon() = default;
@@ -65,12 +51,11 @@ JsonCommon::JsonCommon(const JsonCommon& other)
 
 JsonCommon& JsonCommon::operator=(const JsonCommon& other) {
   // Copied first, so that running out of memory loses nothing of what is here.
-  LevelMaps new_levels = other.levels;
   vemora_ustring new_shared_path = other.sharedPath;
   vemora_ustring new_private_path = other.privatePath;
   auto new_changes = other.changes != nullptr ? std::make_unique<Changes>(*other.changes) : nullptr;
 
-  levels = std::move(new_levels);
+  levels = other.levels;
   levelData = other.levelData;
   dirty = other.dirty;
   deleteFilesOnExit = other.deleteFilesOnExit;
@@ -95,13 +80,19 @@ bool JsonCommon::CategoryExists(const vemora_ustring& category) {
 
 void JsonCommon::DeleteCategory(const vemora_ustring& category) {
   const Name name(category);
-  // Noted first, so that running out of memory deletes nothing. What is not here may be in a file,
-  // where another process put it.
+  // What needs memory comes first, so that running out of it deletes nothing. A category that is
+  // not here may be in a file, where another process put it.
   if (RecordsChanges()) {
     changes->NoteErasedCategory(name);
   }
   for (LevelMap& level : levels) {
-    if (level->EraseCategory(name)) {
+    if (level->FindCategory(name) != nullptr) {
+      level.Own();
+    }
+  }
+  for (LevelMap& level : levels) {
+    if (level->FindCategory(name) != nullptr) {
+      level.Own().EraseCategory(name);
       SetChanged();
     }
   }
@@ -113,7 +104,8 @@ void JsonCommon::DeletePreference(const vemora_ustring& category, const vemora_u
   if (RecordsChanges()) {
     changes->NoteChange(level, names.pair);
   }
-  if (levels[level]->Erase(names.pair)) {
+  if (levels[level]->Find(names.pair) != nullptr) {
+    levels[level].Own().Erase(names.pair);
     SetChanged();
   }
 }
@@ -212,23 +204,24 @@ bool JsonCommon::ReadDictionary(const vemora_ustring& name, Dictionary& out) {
 
 bool JsonCommon::WriteDictionary(const vemora_ustring& name, const Dictionary& in) {
   const vemora_ustring category = DictionaryCategory(name);
-  const Name looked_for(category);
-  // Running out of memory puts the old dictionary back, for which there is room from now on.
-  LevelMaps old;
-  for (std::size_t level = 0; level < levels.size(); ++level) {
-    old[level]->CopyCategory(*levels[level], looked_for);
-    levels[level]->ReserveFor(*old[level]);
-  }
+  const LevelMaps old_levels = levels;
   auto old_changes = changes != nullptr ? std::make_unique<Changes>(*changes) : nullptr;
-  DeleteCategory(category);
   try {
-    return StoreDictionary(category, in);
-  } catch (...) {
-    for (std::size_t level = 0; level < levels.size(); ++level) {
-      if (levels[level]->FindCategory(looked_for) == nullptr) {
-        levels[level]->Adopt(std::move(*old[level]));
+    DeleteCategory(category);
+    bool all = true;
+    for (const auto& [key, value] : in.values) {
+      std::string text;
+      const StoredValue entry = ToStoredValue(value, text);
+      if (std::holds_alternative<const Variant*>(entry)) {
+        all = false;
+      } else {
+        Store({category, key}, entry);
       }
     }
+    return all;
+  } catch (...) {
+    // Out of memory, the old dictionary is put back.
+    levels = old_levels;
     changes = std::move(old_changes);
     throw;
   }
@@ -290,58 +283,21 @@ EShareLevel JsonCommon::LevelOf(const Names& names) {
 }
 
 JsonCommon::Place JsonCommon::Locate(const Names& names) {
-  LevelTable& level = *levels[LevelOf(names)];
+  const LevelTable& level = *levels[LevelOf(names)];
   return {level, level.Find(names.pair)};
 }
 
 template <typename Value>
 void JsonCommon::Store(const Names& names, const Value& value) {
   const EShareLevel level = LevelOf(names);
-  PreferenceRecord* const found = levels[level]->Find(names.pair);
+  if (!GetDefaultOverwriteFlag() && levels[level]->Find(names.pair) != nullptr) {
+    return;
+  }
   if (RecordsChanges()) {
     changes->NoteChange(level, names.pair);
   }
-  if (StoreIn(*levels[level], found, names.pair, value)) {
-    SetChanged();
-  }
-}
-
-/// Stores the entries of a dictionary of which nothing is stored, all or none.
-/// @return whether no entry was left out for its type
-bool JsonCommon::StoreDictionary(const vemora_ustring& category, const Dictionary& in) {
-  // When a host's own DeleteCategory has left something, the entries join it.
-  const bool joins = JsonCommon::CategoryExists(category);
-  LevelMaps entries = joins ? levels : LevelMaps();
-  bool stored = false;
-  bool all = true;
-  for (const auto& [key, value] : in.values) {
-    std::string text;
-    const StoredValue entry = ToStoredValue(value, text);
-    if (std::holds_alternative<const Variant*>(entry)) {
-      all = false;
-      continue;
-    }
-    const Names names(category, key);
-    const EShareLevel level = LevelOf(names);
-    if (RecordsChanges()) {
-      changes->NoteChange(level, names.pair);
-    }
-    stored |= StoreIn(*entries[level], entries[level]->Find(names.pair), names.pair, entry);
-  }
-  if (joins) {
-    levels = std::move(entries);
-  } else {
-    for (std::size_t level = 0; level < levels.size(); ++level) {
-      levels[level]->ReserveFor(*entries[level]);
-    }
-    for (std::size_t level = 0; level < levels.size(); ++level) {
-      levels[level]->Adopt(std::move(*entries[level]));
-    }
-  }
-  if (stored) {
-    SetChanged();
-  }
-  return all;
+  levels[level].Own().Set(names.pair, value);
+  SetChanged();
 }
 
 /// Whether changes are recorded, as they are from the first one on that a protected save needs.

@@ -172,7 +172,6 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   Place Locate(const Names& names);
   template <typename Value>
   void Store(const Names& names, const Value& value);
-  bool StoreDictionary(const vemora_ustring& category, const utils::Dictionary& in);
 
   bool RecordsChanges();
   void SetChanged() noexcept;

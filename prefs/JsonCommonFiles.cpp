@@ -23,7 +23,7 @@ bool Take(LoadedFile&& loaded, const PreferenceFile& file) noexcept {
   std::size_t provided = 0;
   for (std::size_t level = 0; loaded.levels.has_value() && level < file.count; ++level) {
     if ((*loaded.levels)[level].has_value()) {
-      file.levels[level] = std::move(*(*loaded.levels)[level]);
+      file.levels[level] = *(*loaded.levels)[level];
       ++provided;
       if (file.changes != nullptr) {
         file.changes->ForgetChanges(level);

@@ -23,8 +23,8 @@ struct JsonCommon::Names {
 
 /// A preference and the level that holds it.
 struct JsonCommon::Place {
-  LevelTable& level;
-  PreferenceRecord* preference;  // null when there is none
+  const LevelTable& level;
+  const PreferenceRecord* preference;  // null when there is none
 };
 
 /// What was changed, by file.

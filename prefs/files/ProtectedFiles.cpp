@@ -40,7 +40,7 @@ class PendingFile {
     if (const SystemError error = replacement_.PutInPlace()) {
       return error;
     }
-    std::move(merged_.begin(), merged_.end(), file_.levels);
+    std::copy(merged_.begin(), merged_.end(), file_.levels);
     for (std::size_t level = 0; level < file_.count; ++level) {
       file_.changes->ForgetChanges(level);
     }
@@ -65,9 +65,9 @@ class PendingFile {
     for (std::size_t level = 0; level < file_.count; ++level) {
       const LevelMap& own = file_.levels[level];
       if (theirs[level].has_value()) {
-        file_.changes->ApplyTo(**theirs[level], level, *own);
+        file_.changes->ApplyTo(theirs[level]->Own(), level, *own);
       }
-      merged_.push_back(theirs[level].has_value() ? std::move(*theirs[level]) : own);
+      merged_.push_back(theirs[level].value_or(own));
     }
     return 0;
   }

@@ -69,7 +69,7 @@ class LevelsHandler {
     }
     ++depth_;
     if (depth_ == kLevel) {
-      builder_.emplace(*levels_[members_ - 1].emplace());
+      builder_.emplace(levels_[members_ - 1].emplace().Own());
     } else if (depth_ == kCategory) {
       builder_->StartCategory(name_);
     }

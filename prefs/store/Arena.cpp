@@ -1,30 +1,10 @@
 #include "prefs/store/Arena.h"
 
 #include <algorithm>
-#include <iterator>
 #include <new>
 #include <utility>
 
 namespace vemora::prefs {
-
-void Arena::ReserveFor(const Arena& other) {
-  const std::size_t count = blocks_.size() + other.blocks_.size();
-  if (count > kMostBlocks) {
-    throw std::bad_alloc();
-  }
-  if (count > blocks_.capacity()) {
-    blocks_.reserve(std::max(count, blocks_.capacity() * 2));
-  }
-}
-
-Arena::Ref Arena::Adopt(Arena&& other) {
-  ReserveFor(other);
-  const auto shift = static_cast<Ref>(blocks_.size()) << kOffsetBits;
-  std::move(other.blocks_.begin(), other.blocks_.end(), std::back_inserter(blocks_));
-  used_ += other.used_;
-  other = Arena();
-  return shift;
-}
 
 /// The first blocks are small, for many stores are. A piece larger than all blocks has its own.
 void Arena::AddBlock(std::size_t words) {

@@ -38,14 +38,6 @@ class Arena {
   /// Bytes handed out so far.
   std::size_t Used() const { return used_; }
 
-  /// Makes room, so that the next `Adopt` of that arena needs no allocation.
-  /// @throws std::bad_alloc
-  void ReserveFor(const Arena& other);
-
-  /// Takes over all that the other arena handed out.
-  /// @return what is to be added to its refs
-  Ref Adopt(Arena&& other);
-
  private:
   using Word = std::uint64_t;
   static constexpr unsigned kOffsetBits = 13;  // blocks of up to 64 KiB, counted in words

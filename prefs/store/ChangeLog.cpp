@@ -26,13 +26,13 @@ ChangeLog::ChangeLog(std::size_t levels, bool everything) : levels_(levels) {
 }
 
 void ChangeLog::NoteChange(std::size_t level, const NamePair& names) {
-  levels_[level].preferences->Set(names, true);
+  levels_[level].preferences.Own().Set(names, true);
 }
 
 void ChangeLog::NoteErasedCategory(const Name& name) {
   for (Changes& changes : levels_) {
     if (changes.erased_categories->FindCategory(name) == nullptr) {
-      changes.erased_categories->AddCategory(name);
+      changes.erased_categories.Own().AddCategory(name);
     }
   }
 }
@@ -45,12 +45,7 @@ void ChangeLog::NoteOtherFile() noexcept {
   SetHash(0);
 }
 
-void ChangeLog::ForgetChanges(std::size_t level) noexcept {
-  Changes& changes = levels_[level];
-  *changes.preferences = LevelTable();
-  *changes.erased_categories = LevelTable();
-  changes.everything = false;
-}
+void ChangeLog::ForgetChanges(std::size_t level) noexcept { levels_[level] = Changes(); }
 
 void ChangeLog::ApplyTo(LevelTable& theirs, std::size_t level, const LevelTable& own) const {
   const Changes& changes = levels_[level];

@@ -3,20 +3,17 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
+
+#include "prefs/store/LevelMap.h"
 
 namespace vemora::prefs {
 
-class LevelTable;
 struct NamePair;
 
-/// Which share level a pair of category and key belongs to, for the pairs that are known. Copies
-/// share what they know until one of them is changed.
+/// Which share level a pair of category and key belongs to, for the pairs that are known.
 class KnownLevels {
  public:
-  KnownLevels() = default;
-
   /// Nothing for an unknown pair.
   std::optional<std::uint32_t> Find(const NamePair& names) const;
 
@@ -24,7 +21,7 @@ class KnownLevels {
   bool Set(const NamePair& names, std::uint32_t level);
 
  private:
-  std::shared_ptr<LevelTable> levels_;  // kept as ints; none as long as nothing is known
+  LevelMap levels_;  // kept as ints
 };
 
 }  // namespace vemora::prefs

@@ -1,20 +1,31 @@
 #include "prefs/store/LevelMap.h"
 
+#include <atomic>
+
 #include "prefs/store/LevelTable.h"
 
 namespace vemora::prefs {
 
-LevelMap::LevelMap() : table_(std::make_unique<LevelTable>()) {}
+namespace {
 
-LevelMap::LevelMap(const LevelMap& other) : table_(std::make_unique<LevelTable>(*other.table_)) {}
-
-LevelMap::LevelMap(LevelMap&& other) noexcept = default;
-
-LevelMap& LevelMap::operator=(LevelMap other) noexcept {
-  table_.swap(other.table_);
-  return *this;
+/// What all empty maps share.
+const std::shared_ptr<LevelTable>& GetEmptyTable() {
+  static const auto empty = std::make_shared<LevelTable>();
+  return empty;
 }
 
-LevelMap::~LevelMap() = default;
+}  // namespace
+
+LevelMap::LevelMap() noexcept : table_(GetEmptyTable()) {}
+
+LevelTable& LevelMap::Own() {
+  if (table_.use_count() > 1) {
+    table_ = std::make_shared<LevelTable>(*table_);
+  } else {
+    // What another thread read from a copy that is gone, it read before this change.
+    std::atomic_thread_fence(std::memory_order_acquire);
+  }
+  return *table_;
+}
 
 }  // namespace vemora::prefs

@@ -8,23 +8,21 @@ namespace vemora::prefs {
 
 class LevelTable;
 
-/// A value that holds a table, which copies have for themselves.
+/// A value that holds a table. Copies share it until one of them is changed, so that copying a
+/// store and walking through it cost nothing.
 class LevelMap {
  public:
-  LevelMap();
-  LevelMap(const LevelMap& other);
-  /// Leaves nothing in the other one, which can be assigned to and destroyed only.
-  LevelMap(LevelMap&& other) noexcept;
-  LevelMap& operator=(LevelMap other) noexcept;
-  ~LevelMap();
+  LevelMap() noexcept;
 
-  LevelTable& operator*() { return *table_; }
   const LevelTable& operator*() const { return *table_; }
-  LevelTable* operator->() { return table_.get(); }
   const LevelTable* operator->() const { return table_.get(); }
 
+  /// The table, for this object to change.
+  /// @throws std::bad_alloc when it is shared and there is no memory for a copy
+  LevelTable& Own();
+
  private:
-  std::unique_ptr<LevelTable> table_;
+  std::shared_ptr<LevelTable> table_;
 };
 
 }  // namespace vemora::prefs

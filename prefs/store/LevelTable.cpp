@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iterator>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -51,27 +50,6 @@ ENameMatch MatchName(const Name& name, const RecordType& record) {
   return name.Match(record.Name(), record.name_is_ascii != 0);
 }
 
-/// Finds a record in a chain, which begins with the one that came last: the exact one if there is
-/// one, else the first one that came.
-template <typename RecordType, typename Match>
-Arena::Ref FindInChain(const Arena& arena, Arena::Ref first, std::uint32_t hash, Match match) {
-  Arena::Ref found = Arena::kNone;
-  Arena::Ref next = Arena::kNone;
-  for (Arena::Ref ref = first; ref != Arena::kNone; ref = next) {
-    const auto& record = *static_cast<const RecordType*>(arena.At(ref));
-    next = record.next_of_hash;
-    if (record.hash != hash || record.kind == RecordType::kErased) {
-      continue;
-    }
-    const ENameMatch matched = match(record);
-    if (matched == ENameMatch::kExact) {
-      return ref;
-    }
-    found = matched == ENameMatch::kByLocale ? ref : found;
-  }
-  return found;
-}
-
 /// Files that the store wrote are in order already.
 template <typename RecordType>
 void SortByName(std::vector<const RecordType*>& records) {
@@ -83,61 +61,35 @@ void SortByName(std::vector<const RecordType*>& records) {
   }
 }
 
-template <typename Item>
-void ReserveMore(std::vector<Item>& items, std::size_t more) {
-  if (items.size() + more > items.capacity()) {
-    items.reserve(std::max(items.size() + more, items.capacity() * 2));
-  }
-}
-
-void Shift(Arena::Ref& ref, Arena::Ref shift) {
-  if (ref != Arena::kNone) {
-    ref += shift;
-  }
-}
-
 }  // namespace
 
 LevelTable::LevelTable(const LevelTable& other) {
-  for (const Ref ref : other.categories_) {
-    if (other.CategoryAt(ref).kind != CategoryRecord::kErased) {
-      AppendCopy(other, other.CategoryAt(ref));
+  for (const Ref other_ref : other.categories_) {
+    const CategoryRecord& category = other.CategoryAt(other_ref);
+    if (category.kind == CategoryRecord::kErased) {
+      continue;
     }
+    const Ref copy = NewCategory(category.Name(), category.name_is_ascii != 0, category.name_hash);
+    other.ForEachOf(category, [&](Ref ref) {
+      const PreferenceRecord& preference = other.PreferenceAt(ref);
+      Append(NewPreference(preference.Name(), preference.name_is_ascii != 0, preference.hash,
+                           other.GetValue(preference)),
+             copy);
+    });
   }
   FillCategoryIndex(categories_.size());
   FillPreferenceIndex(indexed_preferences_);
 }
 
-void LevelTable::CopyCategory(const LevelTable& other, const Name& name) {
-  if (const CategoryRecord* const category = other.FindCategory(name)) {
-    AppendCopy(other, *category);
-    FillCategoryIndex(categories_.size());
-    FillPreferenceIndex(indexed_preferences_);
-  }
-}
-
-/// Copies a category with its preferences, which are in no index then.
-void LevelTable::AppendCopy(const LevelTable& other, const CategoryRecord& category) {
-  const Ref copy = NewCategory(category.Name(), category.name_is_ascii != 0, category.name_hash);
-  other.ForEachOf(category, [&](Ref ref) {
-    const PreferenceRecord& preference = other.PreferenceAt(ref);
-    Append(NewPreference(preference.Name(), preference.name_is_ascii != 0, preference.hash,
-                         other.GetValue(preference)),
-           copy);
-  });
-}
-
 Arena::Ref LevelTable::FindCategoryRef(const Name& name) const {
-  const std::uint32_t hash = HashOfCategory(name.Hash());
-  return FindInChain<CategoryRecord>(
-      arena_, category_index_.First(hash), hash,
+  return category_index_.Find<CategoryRecord>(
+      arena_, HashOfCategory(name.Hash()),
       [&name](const CategoryRecord& category) { return MatchName(name, category); });
 }
 
 Arena::Ref LevelTable::FindRef(const NamePair& names) const {
-  return FindInChain<PreferenceRecord>(
-      arena_, preference_index_.First(names.hash), names.hash,
-      [this, &names](const PreferenceRecord& preference) {
+  return preference_index_.Find<PreferenceRecord>(
+      arena_, names.hash, [this, &names](const PreferenceRecord& preference) {
         const ENameMatch match = MatchName(names.key, preference);
         return match == ENameMatch::kNone
                    ? match
@@ -260,47 +212,8 @@ void LevelTable::AddCategory(const Name& name) {
   category_index_.Add(category.hash, ref, category.next_of_hash);
 }
 
-void LevelTable::ReserveFor(const LevelTable& other) {
-  ReserveIndex(other.indexed_preferences_, other.categories_.size());
-  ReserveMore(categories_, other.categories_.size());
-  ReserveMore(others_, other.others_.size());
-  arena_.ReserveFor(other.arena_);
-}
-
-void LevelTable::Adopt(LevelTable&& other) {
-  ReserveFor(other);
-  const std::size_t first_other = others_.size();
-  const Ref shift = arena_.Adopt(std::move(other.arena_));
-  std::move(other.others_.begin(), other.others_.end(), std::back_inserter(others_));
-  for (const Ref other_ref : other.categories_) {
-    const Ref category_ref = other_ref + shift;
-    CategoryRecord& category = CategoryAt(category_ref);
-    Shift(category.first, shift);
-    Shift(category.last, shift);
-    categories_.push_back(category_ref);
-    category_index_.Add(category.hash, category_ref, category.next_of_hash);
-    for (Ref ref = category.first; ref != Arena::kNone; ref = PreferenceAt(ref).next_of_category) {
-      PreferenceRecord& preference = PreferenceAt(ref);
-      Shift(preference.next_of_category, shift);
-      preference.category = category_ref;
-      if (preference.kind == PreferenceRecord::kText) {
-        Shift(preference.value.text.ref, shift);
-      } else if (preference.kind == PreferenceRecord::kOther) {
-        preference.value.other += first_other;
-      }
-      preference_index_.Add(preference.hash, ref, preference.next_of_hash);
-    }
-  }
-  indexed_preferences_ += other.indexed_preferences_;
-  live_categories_ += other.live_categories_;
-  wasted_ += other.wasted_;
-  other = LevelTable();
-  DropWaste();
-}
-
 /// A category that is in no index yet.
 Arena::Ref LevelTable::NewCategory(std::string_view name, bool ascii, std::uint64_t hash) {
-  ReserveMore(categories_, 1);
   const Ref ref =
       NewRecord<CategoryRecord>(arena_, name, ascii, HashOfCategory(hash), CategoryRecord::kLive);
   CategoryRecord& category = CategoryAt(ref);

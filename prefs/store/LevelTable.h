@@ -88,16 +88,6 @@ class LevelTable {
   /// Adds a category that is not there, without a preference.
   void AddCategory(const Name& name);
 
-  /// Adds a copy of a category of another table, which this one lacks; nothing when there is none.
-  void CopyCategory(const LevelTable& other, const Name& name);
-
-  /// Takes over the categories of another table, none of which is in this one. When room was
-  /// reserved for them before, this takes no memory.
-  /// @{
-  void ReserveFor(const LevelTable& other);
-  void Adopt(LevelTable&& other);
-  /// @}
-
   /// Bytes of memory for what is stored, which is about as much as it takes in a file.
   std::size_t MemoryUsed() const { return arena_.Used() + others_.size() * sizeof(utils::Variant); }
 
@@ -133,8 +123,6 @@ class LevelTable {
       ref = next;
     }
   }
-
-  void AppendCopy(const LevelTable& other, const CategoryRecord& category);
 
   Ref FindCategoryRef(const Name& name) const;
   Ref FindRef(const NamePair& names) const;

@@ -38,6 +38,11 @@ void* operator new(std::size_t size) {
   return memory;
 }
 
+// What a sort takes its buffer from, and does without.
+void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept {
+  return std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* memory) noexcept { Release(memory); }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept { Release(memory); }
