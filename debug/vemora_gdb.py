@@ -10,7 +10,7 @@ The contents of vectors and dictionaries are shown by the printers of the standa
 import gdb
 import gdb.printing
 
-PREFERENCE_KINDS = ("kInt", "kBool", "kDouble", "kText", "kOther", "kNone")
+PREFERENCE_KINDS = ("kErased", "kInt", "kBool", "kDouble", "kText", "kOther")
 
 
 class TextPrinter:
@@ -104,33 +104,88 @@ def variant_printer(value):
     return VariantPrinter(name, payload)
 
 
+def inside(address, type_name):
+    """What lies at an address of an arena."""
+    return address.cast(gdb.lookup_type(type_name).pointer()).dereference()
+
+
+def text_at(address, length):
+    return address.cast(gdb.lookup_type("char").const().pointer()).lazy_string("utf-8", int(length))
+
+
+def name_of(record):
+    return text_at(record.address + 1, record["name_size"])
+
+
 class PreferencePrinter:
-    """Preference: what the store keeps of one, with its name and a text behind it"""
+    """PreferenceRecord: what a level keeps of a preference, without the text, which is in the table"""
+
+    FIELDS = {"kInt": "integer", "kBool": "boolean", "kDouble": "real"}
 
     def __init__(self, value):
         self._value = value
 
     def to_string(self):
-        kind = int(self._value["kind_"])
+        kind = int(self._value["kind"])
         return PREFERENCE_KINDS[kind] if kind < len(PREFERENCE_KINDS) else f"unknown kind {kind}"
 
     def children(self):
-        yield "name", self._text_behind(self._value.address, self._value["length_"])
-        kind = self.to_string()
-        content = self._value["value_"]
-        if kind == "kInt":
-            yield "value", content["integer"]
-        elif kind == "kBool":
-            yield "value", content["boolean"]
-        elif kind == "kDouble":
-            yield "value", content["real"]
-        elif kind == "kText":
-            yield "value", self._text_behind(content["text"], content["text"]["length"])
+        yield "name", name_of(self._value)
+        field = self.FIELDS.get(self.to_string())
+        if field is not None:
+            yield "value", self._value["value"][field]
+
+
+class LevelTablePrinter:
+    """LevelTable: its preferences, category by category, texts included"""
+
+    OFFSET_BITS = 13  # as in Arena
+    NO_REF = 0xFFFFFFFF
+
+    def __init__(self, value):
+        self._value = value
+
+    def to_string(self):
+        return "LevelTable"
+
+    def children(self):
+        for category in self._items(self._value["categories_"]):
+            record = inside(self._at(category), "vemora::prefs::CategoryRecord")
+            if int(record["kind"]) != 0:
+                yield from self._preferences(record)
+
+    def _preferences(self, category):
+        ref = int(category["first"])
+        while ref != self.NO_REF:
+            record = inside(self._at(ref), "vemora::prefs::PreferenceRecord")
+            printer = PreferencePrinter(record)
+            if printer.to_string() == "kText":
+                text = record["value"]["text"]
+                yield self._name(category, record), text_at(self._at(text["ref"]), text["size"])
+            elif printer.to_string() != "kErased":
+                children = dict(printer.children())
+                yield self._name(category, record), children.get("value", printer.to_string())
+            ref = int(record["next_of_category"])
 
     @staticmethod
-    def _text_behind(pointer, length):
-        bytes_behind = (pointer + 1).cast(gdb.lookup_type("char").const().pointer())
-        return bytes_behind.lazy_string("utf-8", int(length))
+    def _name(*records):
+        return "/".join(
+            (record.address + 1).cast(gdb.lookup_type("char").pointer()).string(
+                "utf-8", "replace", int(record["name_size"])) for record in records)
+
+    def _at(self, ref):
+        # A std::unique_ptr is a pointer to the debugger.
+        words = gdb.lookup_type("unsigned long long").pointer()
+        blocks = self._value["arena_"]["blocks_"]["_M_impl"]["_M_start"].cast(words.pointer())
+        return blocks[int(ref) >> self.OFFSET_BITS] + (int(ref) & ((1 << self.OFFSET_BITS) - 1))
+
+    @staticmethod
+    def _items(vector):
+        """Of a std::vector, without the printers of the standard library."""
+        item = vector["_M_impl"]["_M_start"]
+        while item != vector["_M_impl"]["_M_finish"]:
+            yield item.dereference()
+            item += 1
 
 
 def make_printers():
@@ -139,7 +194,8 @@ def make_printers():
             "utils::vemora_ustring": TextPrinter,
             "utils::Variant": variant_printer,
             "utils::Dictionary": DictionaryPrinter,
-            "prefs::Preference": PreferencePrinter,
+            "prefs::PreferenceRecord": PreferencePrinter,
+            "prefs::LevelTable": LevelTablePrinter,
     }.items():
         printers.add_printer(name, f"^vemora::{name}$", printer)
     return printers

@@ -2,29 +2,28 @@
 
 #include <string_view>
 
-#include "prefs/FoldedName.h"
-#include "prefs/PreferenceMap.h"
+#include "prefs/store/LevelTable.h"
+#include "prefs/store/Name.h"
 #include "utils/Dictionary.h"
 #include "utils/Variant.h"
 #include "utils/vemora_ustring.h"
 
 namespace {
 
-using vemora::prefs::FoldedPair;
-using vemora::prefs::Preference;
-using vemora::prefs::PreferenceMap;
-using vemora::prefs::PreferenceValue;
+using vemora::prefs::LevelTable;
+using vemora::prefs::NamePair;
+using vemora::prefs::PreferenceRecord;
+using vemora::prefs::StoredValue;
 using vemora::utils::Dictionary;
 using vemora::utils::Raw64;
 using vemora::utils::Variant;
 using vemora::utils::vemora_ustring;
 
-const Preference& Add(const vemora_ustring& key, const PreferenceValue& value) {
-  static PreferenceMap map;
-  const vemora_ustring category = "Window";
-  const FoldedPair pair(category, key);
-  map.Add(pair, value);
-  return *map.Find(pair);
+const PreferenceRecord& Add(LevelTable& table, const vemora_ustring& key,
+                            const StoredValue& value) {
+  const NamePair names(vemora_ustring("Window"), key);
+  table.Add(names, value);
+  return *table.Find(names);
 }
 
 /// Where the debugger stops.
@@ -54,11 +53,16 @@ int main() {
   dictionary.Set("width", 640);
   const Dictionary no_entries;
 
-  [[maybe_unused]] const Preference& integer_preference = Add("Width", 640);
-  [[maybe_unused]] const Preference& boolean_preference = Add("Maximised", true);
-  [[maybe_unused]] const Preference& real_preference = Add("Zoom", 2.5);
-  [[maybe_unused]] const Preference& text_preference = Add(text, std::string_view("Ground floor"));
-  [[maybe_unused]] const Preference& other_preference = Add("List", &vector);
+  LevelTable level;
+  [[maybe_unused]] const PreferenceRecord& integer_preference = Add(level, "Width", 640);
+  [[maybe_unused]] const PreferenceRecord& boolean_preference = Add(level, "Maximised", true);
+  [[maybe_unused]] const PreferenceRecord& real_preference = Add(level, "Zoom", 2.5);
+  [[maybe_unused]] const PreferenceRecord& text_preference =
+      Add(level, text, std::string_view("Ground floor"));
+  [[maybe_unused]] const PreferenceRecord& other_preference = Add(level, "List", &vector);
+  Add(level, "Erased", true);
+  level.Erase({vemora_ustring("Window"), vemora_ustring("Erased")});
+  const LevelTable no_preferences;
 
   Stop();
   return 0;
