@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <list>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "prefs/files/BadFileCopies.h"
@@ -83,8 +84,9 @@ LoadedFile Load(const PreferenceFile& file) {
   if (!read.bytes.has_value() || read.bytes->empty()) {
     return {std::nullopt, 0, read.error != 0};
   }
-  const std::size_t hash = HashOfText(*read.bytes);
-  return {ReadLevels(read.bytes->data(), read.bytes->size(), file.count), hash};
+  std::string text = std::move(*read.bytes);
+  const std::size_t hash = HashOfText(text);
+  return {ReadLevels(text.data(), text.size(), file.count), hash};
 }
 
 }  // namespace

@@ -15,12 +15,12 @@ class JsonAllocator {
 
   static void* Malloc(std::size_t size) { return Realloc(nullptr, 0, size); }
 
-  static void* Realloc(void* block, std::size_t /*old_size*/, std::size_t new_size) {
-    if (new_size == 0) {
+  static void* Realloc(void* block, std::size_t /*oldSize*/, std::size_t newSize) {
+    if (newSize == 0) {
       std::free(block);
       return nullptr;
     }
-    void* const resized = std::realloc(block, new_size);
+    void* const resized = std::realloc(block, newSize);
     if (resized == nullptr) {
       throw std::bad_alloc();
     }
