@@ -12,7 +12,9 @@
 
 #include "prefs/JsonWriter.h"
 #include "prefs/SaveMode.h"
+#include "utils/FileLock.h"
 #include "utils/Files.h"
+#include "utils/ProtectedFiles.h"
 
 namespace vemora::prefs {
 

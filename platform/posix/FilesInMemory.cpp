@@ -1,11 +1,14 @@
-// Stands in for the part of utils/Files.cpp that the JSON store uses: files in memory, so that the
-// fuzzers are fast.
-#include "utils/Files.h"
+// Stands in for what the JSON store uses of files and locks: files in memory, so that the fuzzers
+// are fast.
 
 #include <cerrno>
 #include <map>
 #include <string>
 #include <utility>
+
+#include "utils/FileLock.h"
+#include "utils/Files.h"
+#include "utils/ProtectedFiles.h"
 
 namespace vemora::utils {
 namespace {
