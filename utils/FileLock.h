@@ -10,8 +10,12 @@
 
 namespace vemora::utils {
 
-/// Keeps other processes that lock the same file waiting, for as long as it lives; no longer than
-/// its process, whatever ends that. The file is made if it is missing, and stays.
+/// Keeps other processes, and other threads of this one, that lock the same file waiting, for as
+/// long as it lives; no longer than its process, whatever ends that. The file is made if it is
+/// missing, and stays.
+///
+/// Where other threads are ended first, as when a process leaves its `main`, one of them may have
+/// died with the lock. At that point nothing waits for what this process itself holds.
 class FileLock {
  public:
   /// Waits for others no longer than that.
@@ -28,5 +32,9 @@ class FileLock {
   [[maybe_unused]] std::intptr_t file_ = 0;  // a stand-in needs none
   SystemError error_ = 0;
 };
+
+/// Removes a lock file that no process holds or waits for; leaves any other one alone.
+/// @return whether it was removed
+bool RemoveFreeLockFile(const vemora_ustring& path);
 
 }  // namespace vemora::utils

@@ -34,4 +34,14 @@ FileLock::~FileLock() {
   }
 }
 
+bool RemoveFreeLockFile(const vemora_ustring& path) {
+  const int file = open(path.ToUtf8().c_str(), O_RDWR | O_CLOEXEC);
+  if (file < 0) {
+    return false;
+  }
+  const bool removed = flock(file, LOCK_EX | LOCK_NB) == 0 && unlink(path.ToUtf8().c_str()) == 0;
+  close(file);
+  return removed;
+}
+
 }  // namespace vemora::utils

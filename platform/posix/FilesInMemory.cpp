@@ -68,4 +68,6 @@ FileLock::FileLock(const vemora_ustring& /*path*/, std::chrono::milliseconds /*w
 
 FileLock::~FileLock() = default;
 
+bool RemoveFreeLockFile(const vemora_ustring& /*path*/) { return false; }
+
 }  // namespace vemora::utils
