@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "utils/FileIdentity.h"
 #include "utils/FileLock.h"
 #include "utils/Files.h"
 #include "utils/ProtectedFiles.h"
@@ -61,6 +62,19 @@ SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustri
   AllFiles()[to] = std::move(AllFiles()[from]);
   AllFiles().erase(from);
   return 0;
+}
+
+std::optional<FileState> GetFileState(const vemora_ustring& path) {
+  const auto file = AllFiles().find(path);
+  if (file == AllFiles().end()) {
+    return std::nullopt;
+  }
+  // No file is written by others.
+  return FileState{{0, reinterpret_cast<std::uintptr_t>(&file->first)}, file->second.size(), 0};
+}
+
+bool NameSameFile(const vemora_ustring& left, const vemora_ustring& right) {
+  return !left.empty() && left == right;
 }
 
 // There is one process.
