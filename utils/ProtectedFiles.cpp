@@ -59,9 +59,9 @@ FileBytes ReadFileBytes(const vemora_ustring& path) {
   FileBytes result;
   UniqueHandle file;
   const auto open = [&] {
-    file.reset(ValidOrNull(CreateFileW(path.c_str(), FILE_GENERIC_READ,
-                                       FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr)));
+    // Leave to delete the file would let others lose it: they could delete it and make no new one.
+    file.reset(ValidOrNull(CreateFileW(path.c_str(), FILE_GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
     return file != nullptr ? 0 : GetLastSystemError();
   };
   result.error = Retry(open, [](SystemError error) {

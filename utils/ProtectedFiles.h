@@ -21,8 +21,8 @@ struct FileBytes {
 /// Whether there is a file, and no folder, of that name.
 bool FileExists(const vemora_ustring& path);
 
-/// Reads a file that others may replace meanwhile. One that another program holds is tried again, 5
-/// times in all, 100 ms apart.
+/// Reads a file that others may rewrite or replace before or after, not while it is read. One that
+/// another program holds is tried again, 5 times in all, 100 ms apart.
 /// @throws std::bad_alloc when the file does not fit into memory
 FileBytes ReadFileBytes(const vemora_ustring& path);
 
