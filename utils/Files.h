@@ -3,13 +3,9 @@
 /// tells. Paths take both separators; a path with a zero inside names nothing.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "utils/PathText.h"
@@ -72,52 +68,5 @@ std::vector<DriveInfo> ListDrives();
 /// share are refused.
 /// @return whether the folder is gone
 bool RemoveFolder(const vemora_ustring& path);
-
-/// What the system says of a call that failed; 0 when none did.
-using SystemError = std::uint32_t;
-
-/// That there is no memory left.
-extern const SystemError kOutOfMemory;
-
-/// What reading a file gave: neither bytes nor an error when there is no file of that name.
-struct FileBytes {
-  std::optional<std::string> bytes;
-  SystemError error = 0;
-};
-
-/// Whether there is a file, and no folder, of that name.
-bool FileExists(const vemora_ustring& path);
-
-/// Reads a file that others may replace meanwhile. One that another program holds is tried again, 5
-/// times in all, 100 ms apart.
-/// @throws std::bad_alloc when the file does not fit into memory
-FileBytes ReadFileBytes(const vemora_ustring& path);
-
-/// Writes a file anew and waits until the disk has it. After a failure a part may be there.
-SystemError WriteFileFlushed(const vemora_ustring& path, std::string_view bytes);
-
-/// Puts the file `from` in place of `to`, at once: at any instant `to` is the whole old or the
-/// whole new file, also if the power fails. The new one is as read-only and as hidden as the old
-/// one was. Tried 5 times, 100 ms apart, as virus scanners hold files for moments.
-SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustring& to);
-
-/// Keeps other processes that lock the same file waiting, for as long as it lives; no longer than
-/// its process, whatever ends that. The file is made if it is missing, and stays.
-class FileLock {
- public:
-  /// Waits for others no longer than that.
-  FileLock(const vemora_ustring& path, std::chrono::milliseconds wait);
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
-  // NOLINTNEXTLINE(performance-trivially-destructible): only that of a stand-in could be
-  ~FileLock();
-
-  /// Why the lock could not be taken; 0 when it was.
-  SystemError GetError() const { return error_; }
-
- private:
-  [[maybe_unused]] std::intptr_t file_ = 0;  // a stand-in needs none
-  SystemError error_ = 0;
-};
 
 }  // namespace vemora::utils

@@ -1,11 +1,15 @@
-// Stands in for the part of utils/Files.cpp that the JSON store uses: files in memory, so that the
-// fuzzers are fast.
-#include "utils/Files.h"
+// Stands in for what the JSON store uses of files and locks: files in memory, so that the fuzzers
+// are fast.
 
 #include <cerrno>
 #include <map>
 #include <string>
 #include <utility>
+
+#include "utils/FileIdentity.h"
+#include "utils/FileLock.h"
+#include "utils/Files.h"
+#include "utils/ProtectedFiles.h"
 
 namespace vemora::utils {
 namespace {
@@ -60,9 +64,24 @@ SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustri
   return 0;
 }
 
+std::optional<FileState> GetFileState(const vemora_ustring& path) {
+  const auto file = AllFiles().find(path);
+  if (file == AllFiles().end()) {
+    return std::nullopt;
+  }
+  // No file is written by others.
+  return FileState{{0, reinterpret_cast<std::uintptr_t>(&file->first)}, file->second.size(), 0};
+}
+
+bool NameSameFile(const vemora_ustring& left, const vemora_ustring& right) {
+  return !left.empty() && left == right;
+}
+
 // There is one process.
 FileLock::FileLock(const vemora_ustring& /*path*/, std::chrono::milliseconds /*wait*/) {}
 
 FileLock::~FileLock() = default;
+
+bool RemoveFreeLockFile(const vemora_ustring& /*path*/) { return false; }
 
 }  // namespace vemora::utils

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "prefs/files/ReplacementFile.h"
+#include "utils/ProtectedFiles.h"
 
 namespace vemora::prefs {
 

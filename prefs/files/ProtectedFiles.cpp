@@ -11,6 +11,8 @@
 #include "prefs/store/ChangeLog.h"
 #include "prefs/store/LevelMap.h"
 #include "prefs/store/LevelTable.h"
+#include "utils/FileLock.h"
+#include "utils/ProtectedFiles.h"
 
 namespace vemora::prefs {
 

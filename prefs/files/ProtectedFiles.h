@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "prefs/files/PreferenceFile.h"
-#include "utils/Files.h"
+#include "utils/SystemError.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {

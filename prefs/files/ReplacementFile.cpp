@@ -1,5 +1,8 @@
 #include "prefs/files/ReplacementFile.h"
 
+#include "utils/Files.h"
+#include "utils/ProtectedFiles.h"
+
 namespace vemora::prefs {
 
 ReplacementFile::ReplacementFile(const utils::vemora_ustring& path)

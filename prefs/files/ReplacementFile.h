@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "utils/Files.h"
+#include "utils/SystemError.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {

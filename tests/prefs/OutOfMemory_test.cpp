@@ -13,7 +13,7 @@
 #include "prefs/SaveMode.h"
 #include "support.h"
 #include "utils/Dictionary.h"
-#include "utils/Files.h"
+#include "utils/SystemError.h"
 #include "utils/Variant.h"
 
 namespace vemora::prefs {

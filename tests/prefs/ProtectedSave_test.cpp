@@ -10,7 +10,7 @@
 #include "store_support.h"
 #include "support.h"
 #include "utils/Dictionary.h"
-#include "utils/Files.h"
+#include "utils/FileLock.h"
 
 namespace vemora::prefs {
 

@@ -12,12 +12,11 @@
 #include <functional>
 #include <initializer_list>
 #include <new>
-#include <thread>
 #include <utility>
 
 #include "faults.h"
 #include "utils/Locations.h"
-#include "utils/windows_support.h"
+#include "utils/folder_link.h"
 
 namespace {
 
@@ -67,14 +66,18 @@ namespace {
 using testing::CurrentFolder;
 using testing::Exists;
 using testing::FilesTest;
+using testing::FolderLink;
+using testing::IsLink;
 using testing::kNonAscii;
 using testing::MakeReadOnly;
 using testing::NextHandle;
 using testing::Path;
 using testing::ReadBytes;
+using testing::RunUnixTool;
 using ::testing::StartsWith;
 using testing::ToText;
 using testing::UniqueHandle;
+using testing::WaitFor;
 using testing::WriteBytes;
 
 constexpr std::int64_t kFourGiB = std::int64_t{1} << 32;
@@ -108,56 +111,6 @@ std::string ReadText(const vemora_ustring& path) {
   const std::unique_ptr<char[]> bytes = ReadWholeFile(path, &size);
   return bytes == nullptr ? "(not read)" : std::string(bytes.get(), size);
 }
-
-bool WaitFor(const std::function<bool()>& condition) {
-  for (int attempt = 0; attempt < 500 && !condition(); ++attempt) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return condition();
-}
-
-/// Runs a tool of the system that Wine runs on, as Wine makes neither links nor drives. Nobody can
-/// wait for its end.
-bool RunUnixTool(const std::wstring& tool, const std::wstring& arguments) {
-  std::wstring command = tool + L" " + arguments;
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof(startup);
-  PROCESS_INFORMATION process = {};
-  return CreateProcessW((LR"(\\?\unix\bin\)" + tool).c_str(), command.data(), nullptr, nullptr,
-                        FALSE, 0, nullptr, nullptr, &startup, &process) != 0;
-}
-
-std::wstring UnixPath(const Path& path) { return L'"' + path.generic_wstring().substr(2) + L'"'; }
-
-bool IsLink(const Path& path) {
-  return Exists(path) && (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-}
-
-/// A link to a folder, removed at the end so that nothing else follows it.
-class FolderLink {
- public:
-  FolderLink(const Path& link, const Path& folder) : link_(link) {
-    CreateSymbolicLinkW(
-        link.c_str(), folder.c_str(),
-        SYMBOLIC_LINK_FLAG_DIRECTORY | SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE);
-    if (!IsLink(link)) {
-      RunUnixTool(L"ln", L"-s " + UnixPath(folder) + L" " + UnixPath(link));
-      WaitFor([&link] { return IsLink(link); });
-    }
-    EXPECT_TRUE(IsLink(link));
-  }
-  FolderLink(const FolderLink&) = delete;
-  FolderLink& operator=(const FolderLink&) = delete;
-  ~FolderLink() {
-    if (IsLink(link_) && !RemoveDirectoryW(link_.c_str())) {
-      RunUnixTool(L"rm", UnixPath(link_));
-      WaitFor([this] { return !IsLink(link_); });
-    }
-  }
-
- private:
-  Path link_;
-};
 
 /// A drive or share of Wine's own, whose root is no folder of any other drive. There is none on
 /// Windows.

@@ -1,0 +1,41 @@
+// A host that leaves its main while another thread saves in protected mode.
+// usage: leaving_host PRIVATE-FILE SHARED-FILE
+
+#include <windows.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+
+#include "prefs/Preferences.h"
+#include "prefs/SaveMode.h"
+
+namespace prefs = vemora::prefs;
+
+namespace {
+
+constexpr int kPreferences = 2000;
+constexpr DWORD kSavingTime = 500;
+
+DWORD WINAPI SaveForEver(void* /*unused*/) {
+  for (int round = 0;; ++round) {
+    prefs::Get().WriteInt(L"Rounds", L"round", round);
+    prefs::Get().SavePreferences();
+  }
+}
+
+}  // namespace
+
+extern "C" int wmain(int argc, wchar_t** argv) {
+  if (argc != 3) {
+    return EXIT_FAILURE;
+  }
+  prefs::SetSaveMode(prefs::ESaveMode::kProtected, std::chrono::minutes(1));
+  prefs::SetPaths(argv[1], argv[2], {});
+  for (int i = 0; i < kPreferences; ++i) {
+    prefs::Get().WriteString(L"Texts", std::to_wstring(i), L"a text of some length, like many");
+  }
+  CreateThread(nullptr, 0, SaveForEver, nullptr, 0, nullptr);
+  Sleep(kSavingTime);
+  return EXIT_SUCCESS;
+}

@@ -1,0 +1,38 @@
+#include "utils/SystemFile.h"
+
+namespace vemora::utils {
+
+const SystemError kOutOfMemory = ERROR_NOT_ENOUGH_MEMORY;
+
+SystemError GetLastSystemError() {
+  const DWORD error = GetLastError();
+  return error != 0 ? error : ERROR_GEN_FAILURE;
+}
+
+SystemError ErrorUnless(BOOL success) { return success != 0 ? 0 : GetLastSystemError(); }
+
+bool CanNameFile(const vemora_ustring& path) {
+  return !path.empty() && path.find(CodeUnit{0}) == vemora_ustring::npos;
+}
+
+DWORD GetAttributes(const vemora_ustring& path) {
+  return CanNameFile(path) ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
+}
+
+bool IsRegularFile(DWORD attributes) {
+  return attributes != INVALID_FILE_ATTRIBUTES &&
+         (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
+}
+
+vemora_ustring GetAbsolutePath(const vemora_ustring& path) {
+  if (!CanNameFile(path)) {
+    return {};
+  }
+  vemora_ustring absolute(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), 0);
+  const DWORD length =
+      GetFullPathNameW(path.c_str(), static_cast<DWORD>(absolute.size()), absolute.data(), nullptr);
+  absolute.resize(length < absolute.size() ? length : 0);
+  return absolute;
+}
+
+}  // namespace vemora::utils
