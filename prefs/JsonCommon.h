@@ -126,7 +126,9 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   /// too; none for a level outside 0 to 6.
   std::vector<vemora_ustring> GetCategories(EShareLevel level) const;
 
-  /// Deletes both files from disk; what is in memory stays.
+  /// Deletes both files from disk; what is in memory stays. In protected mode, the lock file and
+  /// what a killed process left go with them; copies of malformed files ("name.bad") are the user's
+  /// and stay.
   void DeletePreferences();
 
   /// What happens when the store is destroyed: whether unsaved changes are saved (they are, unless

@@ -11,6 +11,7 @@
 #include "prefs/files/InPlaceFiles.h"
 #include "prefs/files/ProtectedFiles.h"
 #include "utils/Files.h"
+#include "utils/SystemError.h"
 
 namespace vemora::prefs {
 
@@ -81,6 +82,9 @@ void JsonCommon::Synchronize() { SavePreferences(); }
 void JsonCommon::DeletePreferences() {
   utils::DeleteFileIfPresent(privatePath);
   utils::DeleteFileIfPresent(sharedPath);
+  if (IsProtected() && !GetPathOfLock().empty()) {
+    RemoveCompanions({SharedFile(), PrivateFile()}, GetPathOfLock());
+  }
 }
 
 void JsonCommon::SetSavePrefsFlag(bool save, bool deleteFiles) {

@@ -3,6 +3,8 @@
 namespace vemora::utils {
 
 const SystemError kOutOfMemory = ERROR_NOT_ENOUGH_MEMORY;
+const SystemError kInvalidParameter = ERROR_INVALID_PARAMETER;
+const SystemError kFileChanged = ERROR_FILE_INVALID;
 
 SystemError GetLastSystemError() {
   const DWORD error = GetLastError();

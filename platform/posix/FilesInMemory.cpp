@@ -45,6 +45,8 @@ bool DeleteFileIfPresent(const vemora_ustring& path) {
 }
 
 const SystemError kOutOfMemory = ENOMEM;
+const SystemError kInvalidParameter = EINVAL;
+const SystemError kFileChanged = ESTALE;
 
 bool FileExists(const vemora_ustring& path) { return AllFiles().count(path) != 0; }
 

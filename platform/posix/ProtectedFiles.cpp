@@ -21,6 +21,8 @@ SystemError LastSystemError() { return static_cast<SystemError>(errno); }
 }  // namespace
 
 const SystemError kOutOfMemory = ENOMEM;
+const SystemError kInvalidParameter = EINVAL;
+const SystemError kFileChanged = ESTALE;
 
 bool FileExists(const vemora_ustring& path) {
   std::error_code ignored;

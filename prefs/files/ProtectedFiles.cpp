@@ -11,7 +11,9 @@
 #include "prefs/store/ChangeLog.h"
 #include "prefs/store/LevelMap.h"
 #include "prefs/store/LevelTable.h"
+#include "utils/FileIdentity.h"
 #include "utils/FileLock.h"
+#include "utils/Files.h"
 #include "utils/ProtectedFiles.h"
 
 namespace vemora::prefs {
@@ -28,19 +30,31 @@ class PendingFile {
  public:
   explicit PendingFile(const PreferenceFile& file) : file_(file), replacement_(file.path) {}
 
-  /// Writes what the file is to hold aside.
+  /// Writes what the file is to hold aside, unless it holds that already.
   SystemError Write() {
-    if (const SystemError error = Merge()) {
+    state_ = utils::GetFileState(file_.path);
+    utils::FileBytes read = utils::ReadFileBytes(file_.path);
+    if (read.error != 0) {
+      return read.error;
+    }
+    const std::string found = std::move(read.bytes).value_or(std::string());
+    if (const SystemError error = Merge(found)) {
       return error;
     }
     const TextBuffer text = WriteFileText(file_, merged_.empty() ? file_.levels : merged_.data());
     hash_ = HashOfText(text.View());
-    return replacement_.Write(text.View());
+    is_written_ = text.View() == found;
+    return is_written_ ? 0 : replacement_.Write(text.View());
   }
+
+  /// Whether nobody has written the file since it was read. Who saves in the other mode takes no
+  /// lock.
+  bool IsUpToDate() const { return utils::GetFileState(file_.path) == state_; }
 
   /// Replaces the file. Then the levels are what it holds.
   SystemError PutInPlace() {
-    if (const SystemError error = replacement_.PutInPlace()) {
+    const SystemError error = is_written_ ? 0 : replacement_.PutInPlace();
+    if (error != 0) {
       return error;
     }
     std::copy(merged_.begin(), merged_.end(), file_.levels);
@@ -53,17 +67,16 @@ class PendingFile {
 
  private:
   /// Makes the own changes in what others saved since this store saw the file.
-  SystemError Merge() {
-    utils::FileBytes read = utils::ReadFileBytes(file_.path);
-    if (!read.bytes.has_value() || read.bytes->empty() ||
-        HashOfText(*read.bytes) == file_.changes->GetHash()) {
-      return read.error;
+  SystemError Merge(const std::string& found) {
+    merged_.clear();
+    if (found.empty() || HashOfText(found) == file_.changes->GetHash()) {
+      return 0;
     }
-    std::string text = *read.bytes;
+    std::string text = found;
     LoadedLevels theirs = ReadLevels(text.data(), text.size(), file_.count);
     if (std::none_of(theirs.begin(), theirs.end(),
                      [](const auto& level) { return level.has_value(); })) {
-      return KeepBadFile(file_.path, *read.bytes);
+      return KeepBadFile(file_.path, found);
     }
     for (std::size_t level = 0; level < file_.count; ++level) {
       const LevelMap& own = file_.levels[level];
@@ -77,9 +90,35 @@ class PendingFile {
 
   const PreferenceFile& file_;
   ReplacementFile replacement_;
+  std::optional<utils::FileState> state_;
   std::vector<LevelMap> merged_;  // empty when the file holds nothing new
   std::size_t hash_ = 0;
+  bool is_written_ = false;
 };
+
+/// Writes all files aside before the first one is put in place, so that a crash finds them at most
+/// one rename apart.
+SystemError WriteAside(std::list<PendingFile>& files) {
+  // Somebody who does not take the lock may write a file meanwhile. Again and again means that a
+  // program saves in the other mode all the time.
+  constexpr int kTries = 5;
+  for (int tries = 0; tries < kTries; ++tries) {
+    for (PendingFile& file : files) {
+      if (const SystemError error = file.Write()) {
+        return error;
+      }
+    }
+    if (std::all_of(files.begin(), files.end(),
+                    [](const PendingFile& file) { return file.IsUpToDate(); })) {
+      return 0;
+    }
+  }
+  return utils::kFileChanged;
+}
+
+bool IsOneFile(const std::vector<PreferenceFile>& files) {
+  return files.size() == 2 && utils::NameSameFile(files.front().path, files.back().path);
+}
 
 LoadedFile Load(const PreferenceFile& file) {
   utils::FileBytes read = utils::ReadFileBytes(file.path);
@@ -100,34 +139,44 @@ std::vector<LoadedFile> LoadProtected(std::initializer_list<PreferenceFile> file
   if (utils::FileExists(name)) {
     taken.emplace(name, lock.wait);
   }
+  const bool is_alone = taken.has_value() && taken->GetError() == 0;
   std::vector<LoadedFile> loaded;
   loaded.reserve(files.size());
   for (const PreferenceFile& file : files) {
+    if (is_alone) {
+      ReplacementFile::DeleteLeftover(file.path);
+    }
     loaded.push_back(Load(file));
   }
   return loaded;
 }
 
 SystemError SaveProtected(const std::vector<PreferenceFile>& files, const LockToTake& lock) {
+  if (IsOneFile(files)) {
+    return utils::kInvalidParameter;
+  }
   const utils::FileLock taken(NameOfLock(lock.path), lock.wait);
   if (taken.GetError() != 0) {
     return taken.GetError();
   }
-  // All are complete before the first one is put in place, so that a crash finds them at most one
-  // rename apart.
   std::list<PendingFile> pending;
   for (const PreferenceFile& file : files) {
-    const SystemError error = file.path.empty() ? 0 : pending.emplace_back(file).Write();
-    if (error != 0) {
-      return error;
+    if (!file.path.empty()) {
+      pending.emplace_back(file);
     }
   }
-  for (PendingFile& file : pending) {
-    if (const SystemError error = file.PutInPlace()) {
-      return error;
-    }
+  SystemError error = WriteAside(pending);
+  for (auto file = pending.begin(); file != pending.end() && error == 0; ++file) {
+    error = file->PutInPlace();
   }
-  return 0;
+  return error;
+}
+
+void RemoveCompanions(const std::vector<PreferenceFile>& files, const vemora_ustring& pathOfLock) {
+  for (const PreferenceFile& file : files) {
+    ReplacementFile::DeleteLeftover(file.path);
+  }
+  utils::RemoveFreeLockFile(NameOfLock(pathOfLock));
 }
 
 }  // namespace vemora::prefs

@@ -26,9 +26,17 @@ std::vector<LoadedFile> LoadProtected(std::initializer_list<PreferenceFile> file
                                       const LockToTake& lock);
 
 /// Merges the changes of the levels with what others saved, and replaces the files. Then the levels
-/// are what the files hold, and no change is left to be saved.
+/// are what the files hold, and no change is left to be saved. A file that would not change is not
+/// written.
 /// @return why a file could not be saved; those before it may be saved then, and the levels are as
-///         they were for all others
+///         they were for all others. `kInvalidParameter` for two paths to one file, of which
+///         nothing is touched; `kFileChanged` when somebody who takes no lock writes a file again
+///         and again
 utils::SystemError SaveProtected(const std::vector<PreferenceFile>& files, const LockToTake& lock);
+
+/// Removes what loads and saves leave beside the files, but for copies of malformed files, and for
+/// a lock that somebody holds.
+void RemoveCompanions(const std::vector<PreferenceFile>& files,
+                      const utils::vemora_ustring& pathOfLock);
 
 }  // namespace vemora::prefs

@@ -5,8 +5,22 @@
 
 namespace vemora::prefs {
 
+namespace {
+
+utils::vemora_ustring TemporaryName(const utils::vemora_ustring& path) {
+  return path + utils::vemora_ustring(".tmp");
+}
+
+}  // namespace
+
+void ReplacementFile::DeleteLeftover(const utils::vemora_ustring& path) {
+  if (!path.empty()) {
+    utils::DeleteFileIfPresent(TemporaryName(path));
+  }
+}
+
 ReplacementFile::ReplacementFile(const utils::vemora_ustring& path)
-    : path_(path), temporary_(path + utils::vemora_ustring(".tmp")) {}
+    : path_(path), temporary_(TemporaryName(path)) {}
 
 ReplacementFile::~ReplacementFile() {
   if (exists_) {

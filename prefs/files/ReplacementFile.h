@@ -12,6 +12,9 @@ namespace vemora::prefs {
 /// A file that is written beside the one that it is to replace, and is gone when it does not.
 class ReplacementFile {
  public:
+  /// Deletes what a killed process left of a replacement for that file.
+  static void DeleteLeftover(const utils::vemora_ustring& path);
+
   /// @param path of the file to be replaced
   explicit ReplacementFile(const utils::vemora_ustring& path);
   ReplacementFile(const ReplacementFile&) = delete;

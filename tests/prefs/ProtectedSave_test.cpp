@@ -159,6 +159,77 @@ TEST_F(ProtectedSave, WithOnePathSavesThatFile) {
   EXPECT_THAT(folder.FileNames(), UnorderedElementsAre("private.json", "private.json.lock"));
 }
 
+// --- files that need no writing, and paths that make no sense ----------------------------------
+
+/// A time that no save gives a file.
+const std::filesystem::file_time_type kLongAgo =
+    std::filesystem::file_time_type::clock::now() - std::chrono::hours(1000);
+
+TEST_F(ProtectedSave, DoesNotWriteAFileThatWouldNotChange) {
+  store.SavePreferences();
+  std::filesystem::last_write_time(private_file, kLongAgo);
+  std::filesystem::last_write_time(shared_file, kLongAgo);
+  store.WriteInt("Category", "key", 1);
+  store.SavePreferences();
+  EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kSaved);
+  EXPECT_NE(std::filesystem::last_write_time(private_file), kLongAgo);
+  EXPECT_EQ(std::filesystem::last_write_time(shared_file), kLongAgo);
+}
+
+TEST_F(ProtectedSave, MergesAfterASaveThatWroteNothing) {
+  store.WriteInt("Category", "key", 1);
+  store.SavePreferences();
+  store.SavePreferences();
+  other.WriteInt("Category", "theirs", 2);
+  SaveBoth(other, store);
+  EXPECT_EQ(Saved("key"), 1);
+  EXPECT_EQ(Saved("theirs"), 2);
+}
+
+class ProtectedSaveToOneFile : public ProtectedSave {
+ protected:
+  void ExpectNothingTouched(const vemora_ustring& second_path) {
+    WriteBytes(private_file, "whatever");
+    store.SetPaths(ToText(private_file), second_path);
+    store.WriteInt("Category", "key", 1);
+    store.SavePreferences();
+    EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kFailed);
+    EXPECT_EQ(GetLastSaveResult().error, utils::kInvalidParameter);
+    EXPECT_EQ(ReadBytes(private_file), "whatever");
+    EXPECT_THAT(folder.FileNames(), UnorderedElementsAre("private.json"));
+  }
+};
+
+TEST_F(ProtectedSaveToOneFile, TouchesNothing) { ExpectNothingTouched(ToText(private_file)); }
+
+TEST_F(ProtectedSaveToOneFile, TouchesNothingWhenItsPathsAreSpelledDifferently) {
+  ExpectNothingTouched(ToText(folder / ".." / folder.path().filename() / "." / "private.json"));
+}
+
+// --- what is left beside the files ---------------------------------------------------------------
+
+TEST_F(ProtectedSave, WhatAKilledSaveLeftIsRemovedByALoadWithTheLock) {
+  store.SavePreferences();
+  WriteBytes(folder / "private.json.tmp", "half of a fi");
+  WriteBytes(folder / "shared.json.tmp", "");
+  store.LoadPreferences();
+  EXPECT_THAT(folder.FileNames(),
+              UnorderedElementsAre("private.json", "shared.json", "shared.json.lock"));
+}
+
+TEST_F(ProtectedSave, DeletingTheFilesRemovesWhatSavesLeftButCopiesOfMalformedFiles) {
+  WriteBytes(private_file, "malformed");
+  store.SavePreferences();
+  WriteBytes(folder / "shared.json.tmp", "half of a fi");
+  {
+    OpenStore ending;
+    Open(ending);
+    WriteBytes(folder / "shared.json.tmp", "half of a fi");
+    ending.SetSavePrefsFlag(false, true);
+  }
+  EXPECT_THAT(folder.FileNames(), UnorderedElementsAre("private.json.bad"));
+}
+
 // --- several processes ----------------------------------------------------------------------
 
 TEST_F(ProtectedSave, KeepsWhatAnotherProcessAdded) {
