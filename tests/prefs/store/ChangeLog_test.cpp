@@ -10,9 +10,9 @@ namespace vemora::prefs {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::Erase;
 using testing::IntOf;
+using ::testing::IsEmpty;
 using testing::NamesOf;
 using testing::Set;
 using utils::Variant;

@@ -115,7 +115,8 @@ TEST_F(LevelBuilderTest, TakesManyKeysInAnyOrderAndTheLastOfEqualOnes) {
     }
   }
   builder.Finish();
-  EXPECT_THAT(NamesOf(table), ElementsAre("A", " a", " m", " x", " z", "B", " a", " m", " x", " z"));
+  EXPECT_THAT(NamesOf(table),
+              ElementsAre("A", " a", " m", " x", " z", "B", " a", " m", " x", " z"));
   EXPECT_EQ(IntOf(table, "A", "x"), 9);
   EXPECT_EQ(IntOf(table, "B", "x"), 15);
   EXPECT_EQ(IntOf(table, "B", "m"), 17);

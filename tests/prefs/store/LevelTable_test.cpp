@@ -13,10 +13,10 @@ namespace vemora::prefs {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using testing::Erase;
 using testing::Find;
 using testing::IntOf;
+using ::testing::IsEmpty;
 using testing::NamesOf;
 using testing::Set;
 using testing::TextOf;
@@ -62,8 +62,8 @@ TEST(LevelTable, TellsTheTypeOfAValue) {
 TEST(LevelTable, GivesBackValuesAsTheyWereSet) {
   const Variant letter = 'x';
   LevelTable table;
-  for (const StoredValue& value :
-       {StoredValue(5), StoredValue(true), StoredValue(0.5), StoredValue(std::string_view("text"))}) {
+  for (const StoredValue& value : {StoredValue(5), StoredValue(true), StoredValue(0.5),
+                                   StoredValue(std::string_view("text"))}) {
     Set(table, "C", "k", value);
     EXPECT_TRUE(table.GetValue(*Find(table, "C", "k")) == value);
   }
@@ -142,8 +142,8 @@ TEST(LevelTable, KeepsApartKeysWithOneHash) {
 
 TEST(LevelTable, KeepsApartCategoriesWithWhichAKeyHasOneHash) {
   const vemora_ustring key = "k";
-  const auto [left, right] = testing::FindCollision(
-      [&](const vemora_ustring& name) { return NamePair(name, key).hash; });
+  const auto [left, right] =
+      testing::FindCollision([&](const vemora_ustring& name) { return NamePair(name, key).hash; });
   LevelTable table;
   Set(table, left, key, 1);
   EXPECT_EQ(Find(table, right, key), nullptr);

@@ -115,8 +115,8 @@ std::vector<vemora_ustring> MakeFamily(const vemora_ustring& block, const std::v
       vemora_ustring next = block;
       for (const Flip& flip : flips) {
         const unsigned flipped = next[flip.index] ^ flip.bits;
-        next[flip.index] = (choice >> number & 1) != 0 ? static_cast<CodeUnit>(flipped)
-                                                       : next[flip.index];
+        next[flip.index] =
+            (choice >> number & 1) != 0 ? static_cast<CodeUnit>(flipped) : next[flip.index];
       }
       name += next;
     }
@@ -125,8 +125,8 @@ std::vector<vemora_ustring> MakeFamily(const vemora_ustring& block, const std::v
   return names;
 }
 
-// With four units to a word these flips are those of bits 31 and 63 of one word and of bit 63 of the
-// next, which once cancelled each other whatever the seed.
+// With four units to a word these flips are those of bits 31 and 63 of one word and of bit 63 of
+// the next, which once cancelled each other whatever the seed.
 TEST(Probes, AreFewAmongNamesWithFlipsOfTheHighestBits) {
   const vemora_ustring block(kUnitsOfBlock, CodeUnit{'a'});
   ExpectFewProbes(HashNames(MakeFamily(block, {{1, 0x8000}, {3, 0x8000}, {7, 0x8000}}, 12)));

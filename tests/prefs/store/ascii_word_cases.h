@@ -21,8 +21,8 @@ inline std::uint64_t ReplaceByte(std::uint64_t word, std::size_t place, unsigned
 }
 
 inline unsigned char UpperCase(unsigned char character) {
-  return static_cast<unsigned char>(
-      character >= 'a' && character <= 'z' ? character - 'a' + 'A' : character);
+  return static_cast<unsigned char>(character >= 'a' && character <= 'z' ? character - 'a' + 'A'
+                                                                         : character);
 }
 
 /// Calls `check` with words that have each ASCII character at each place, between others.
