@@ -12,7 +12,8 @@
 
 #include "utils/vemora_ustring.h"
 
-#if defined(__SSE2__) || defined(_M_X64)
+// Tests ask for the portable twins as well.
+#if (defined(__SSE2__) || defined(_M_X64)) && !defined(VEMORA_NO_SSE2)
 #define VEMORA_SSE2
 #include <emmintrin.h>
 #endif
