@@ -19,11 +19,13 @@ class Outcome:
 
 
 class World:
-    def __init__(self, name, build, launcher=(), suffix=""):
+    launcher = ()
+    suffix = ""
+    environment = None  # this process's own
+
+    def __init__(self, name, build):
         self.name = name
         self.build = build
-        self.launcher = list(launcher)
-        self.suffix = suffix
 
     def run(self, program, *arguments):
         command = [*self.launcher, str(self.build / "bin" / (program + self.suffix)),
@@ -31,8 +33,8 @@ class World:
         # No pipes: what Wine starts beside the program would keep them open.
         with tempfile.TemporaryFile("w+") as output, tempfile.TemporaryFile("w+") as errors:
             start = time.perf_counter()
-            process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output,
-                                       stderr=errors)
+            process = subprocess.Popen(command, env=self.environment, stdin=subprocess.DEVNULL,
+                                       stdout=output, stderr=errors)
             _, status, usage = os.wait4(process.pid, 0)
             elapsed = time.perf_counter() - start
             process.returncode = os.waitstatus_to_exitcode(status)
@@ -49,24 +51,34 @@ class World:
 
 
 class WineWorld(World):
+    """Programs are run as cmake/run-under-wine runs them, but for its own processes around them."""
+    launcher = ("wine",)
+    suffix = ".exe"
+
     def __init__(self, root):
-        build = root / "build/bench-windows"
-        super().__init__("Windows", build, [str(root / "cmake/run-under-wine"), str(build)], ".exe")
+        super().__init__("Windows", root / "build/bench-windows")
+        self.run_under_wine = root / "cmake/run-under-wine"
+        self.environment = dict(os.environ, WINEPREFIX=str(self.build / "wine"),
+                                HOME=str(self.build / "wine-home"), WINEDEBUG="-all",
+                                WINEDLLOVERRIDES="mscoree=;mshtml=;winedbg.exe=",
+                                LC_ALL="C.UTF-8")
+        self.environment.pop("DISPLAY", None)
 
     @contextlib.contextmanager
     def ready(self):
         """Keeps Wine's server alive: its start takes a hundred times what a process does."""
-        self.run("start_empty")  # makes the prefix
-        self.server("-w")
-        self.server("-p")
+        # Makes the prefix.
+        self.quietly(self.run_under_wine, self.build, self.build / "bin/start_empty.exe")
+        self.quietly("wineserver", "-k")
+        self.quietly("wineserver", "-w")
+        self.quietly("wineserver", "-p")
         try:
             yield
         finally:
-            self.server("-k")
+            self.quietly("wineserver", "-k")
 
-    def server(self, option):
-        environment = dict(os.environ, WINEPREFIX=str(self.build / "wine"))
-        subprocess.run(["wineserver", option], env=environment, check=False,
+    def quietly(self, *command):
+        subprocess.run(command, env=self.environment, check=False, stdin=subprocess.DEVNULL,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
