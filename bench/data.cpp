@@ -8,6 +8,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "prefs/PreferencesDefaults.h"
 
@@ -163,13 +164,14 @@ void Shuffle(Sequence& sequence) {
   }
 }
 
-Preferences MakeAbsent(Size size) {
+Preferences MakeAbsent(Size size, const std::string& ending) {
   Preferences absent;
   for (const bool classified : {true, false}) {
     for (const Preference* preference : GetSequence(size, Kind::kInt, classified)) {
       absent.push_back(*preference);
       Preference& name = absent.back();
-      (absent.size() % 2 == 0 ? name.category : name.key) += " Old";
+      (absent.size() % 2 == 0 ? name.category : name.key) += ending;
+      name.classified = false;
     }
   }
   return absent;
@@ -191,6 +193,15 @@ struct Writer {
 const char* GetName(Size size) {
   constexpr const char* kNames[] = {"S", "M", "L"};
   return kNames[static_cast<std::size_t>(size)];
+}
+
+Size ToSize(const std::string& name) {
+  for (const Size size : kSizes) {
+    if (name == GetName(size)) {
+      return size;
+    }
+  }
+  throw std::invalid_argument("there is no size " + name);
 }
 
 const Preferences& GetPreferences(Size size) {
@@ -222,18 +233,21 @@ void WriteAll(const Preferences& preferences, prefs::IPreferences& store) {
   }
 }
 
-Sequence GetAbsent(Size size) {
-  static std::map<Size, Preferences> made;
-  Preferences& absent = made[size];
-  if (absent.empty()) {
-    absent = MakeAbsent(size);
+const Sequence& GetAbsent(Size size, const std::string& ending) {
+  struct Names {
+    Preferences preferences;
+    Sequence sequence;
+  };
+  static std::map<std::pair<Size, std::string>, Names> made;
+  Names& names = made[{size, ending}];
+  if (names.sequence.empty()) {
+    names.preferences = MakeAbsent(size, ending);
+    for (const Preference& preference : names.preferences) {
+      names.sequence.push_back(&preference);
+    }
+    Shuffle(names.sequence);
   }
-  Sequence sequence;
-  for (const Preference& preference : absent) {
-    sequence.push_back(&preference);
-  }
-  Shuffle(sequence);
-  return sequence;
+  return names.sequence;
 }
 
 }  // namespace vemora::bench

@@ -37,6 +37,9 @@ constexpr Size kSizes[] = {Size::kS, Size::kM, Size::kL};
 
 const char* GetName(Size size);
 
+/// @throws std::invalid_argument for a name of no size
+Size ToSize(const std::string& name);
+
 /// S is the classified preferences; M and L are these and more of a host's own.
 const Preferences& GetPreferences(Size size);
 
@@ -49,8 +52,9 @@ enum class Kind { kInt, kAsciiInt, kText };
 /// one has a name that a program can spell in a narrow literal.
 Sequence GetSequence(Size size, Kind kind, bool classified);
 
-/// Names that nothing is stored under: half of them in a known category.
-Sequence GetAbsent(Size size);
+/// Names that nothing is stored under, half of them in a known category, each with an int. What
+/// ends differently names others.
+const Sequence& GetAbsent(Size size, const std::string& ending);
 
 /// Writes them as a host does, each while its level is the default.
 void WriteAll(const Preferences& preferences, prefs::IPreferences& store);

@@ -7,6 +7,12 @@
 
 #include "prefs/JsonCommon.h"
 
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
 namespace vemora::bench {
 namespace {
 
@@ -22,6 +28,12 @@ UniqueFile OpenFile(const std::string& path, const char* mode) {
   }
   return file;
 }
+
+#ifdef _WIN32
+bool Flush(std::FILE* file) { return _commit(_fileno(file)) == 0; }
+#else
+bool Flush(std::FILE* file) { return fsync(fileno(file)) == 0; }
+#endif
 
 }  // namespace
 
@@ -68,6 +80,18 @@ void WriteFile(const std::string& path, const char* data, std::size_t size) {
   if (std::fwrite(data, 1, size, file.get()) != size) {
     throw std::runtime_error("cannot write " + path);
   }
+}
+
+void ReplaceFlushed(const std::string& path, const char* data, std::size_t size) {
+  const std::string temporary = path + ".new";
+  {
+    const UniqueFile file = OpenFile(temporary, "wb");
+    if (std::fwrite(data, 1, size, file.get()) != size || std::fflush(file.get()) != 0 ||
+        !Flush(file.get())) {
+      throw std::runtime_error("cannot write " + temporary);
+    }
+  }
+  std::filesystem::rename(temporary, path);
 }
 
 }  // namespace vemora::bench

@@ -28,4 +28,7 @@ std::unique_ptr<char[]> ReadFile(const std::string& path, std::size_t* size = nu
 
 void WriteFile(const std::string& path, const char* data, std::size_t size);
 
+/// Writes a file beside that one, waits until it is on disk and moves it to its place.
+void ReplaceFlushed(const std::string& path, const char* data, std::size_t size);
+
 }  // namespace vemora::bench

@@ -1,12 +1,11 @@
-// Tells how much memory a store takes: bench_memory STORE SIZE loads what bench_store has written
+// Tells how much memory a store takes: bench_memory STORE SIZE loads what bench_files has written
 // for that size, and prints the bytes held afterwards and the most held meanwhile.
 #include <cstddef>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <fstream>
-#include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "data.h"
 #include "stores/all.h"
@@ -56,24 +55,6 @@ void Measure(Size size) {
   std::printf("%zu %zu\n", after.now - before.now, after.peak - before.now);
 }
 
-template <typename... Stores>
-void Measure(StoreList<Stores...> /*stores*/, const char* name, Size size) {
-  const bool found =
-      ((std::strcmp(name, Stores::kName) == 0 ? (Measure<Stores>(size), true) : false) || ...);
-  if (!found) {
-    throw std::invalid_argument(std::string("there is no store ") + name);
-  }
-}
-
-Size ToSize(const char* name) {
-  for (const Size size : kSizes) {
-    if (std::strcmp(name, GetName(size)) == 0) {
-      return size;
-    }
-  }
-  throw std::invalid_argument(std::string("there is no size ") + name);
-}
-
 }  // namespace
 }  // namespace vemora::bench
 
@@ -83,7 +64,10 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    vemora::bench::Measure(vemora::bench::AllStores(), argv[1], vemora::bench::ToSize(argv[2]));
+    const auto size = vemora::bench::ToSize(argv[2]);
+    vemora::bench::ForStore(vemora::bench::AllStores(), argv[1], [size](auto* store) {
+      vemora::bench::Measure<std::remove_pointer_t<decltype(store)>>(size);
+    });
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "bench_memory: %s\n", failure.what());
     return 1;

@@ -1,7 +1,7 @@
 """Tells what run.py has measured.
 
     report.py RESULTS                 prints the table
-    report.py RESULTS --docs FOLDER   writes FOLDER/performance.md and the chart that it shows
+    report.py RESULTS --docs FOLDER   writes the pages about performance and their chart there
 """
 
 import argparse
@@ -9,54 +9,20 @@ import json
 import pathlib
 import sys
 
+import pages
 import targets
 
-PEERS = ("RapidJSON", "nlohmann", "PropertyTree", "SimpleIni", "toml++", "QSettings", "GKeyFile")
 # The least that could be done, where it is not a hash map.
-FLOORS = ("floor", "files", "same calls", "empty process")
-WORKLOADS = ("read int", "read int, classified", "read text", "read text, classified",
-             "read absent", "read literal", "replace int", "replace int, classified", "load",
-             "save", "save, protected", "load nothing", "memory held", "memory at most",
-             "first use, process", "first use, in main", "registry, cached", "registry, uncached")
-CHART_WORKLOADS = ("read int", "read text", "replace int", "load", "save")
-CHART_SIZE = "M"
-
-PAGE = """# Performance
-
-![Time of each workload in each library](performance.svg)
-
-{size} preferences; shorter is better. The figures are those of the table below.
-
-| | |
-| --- | --- |
-| date | {date} |
-| command | `{command}` |
-| machine | {cores} cores ({cpu}), {memory_gib} GiB; load meanwhile {load[0]:.1f} to {load[1]:.1f} |
-| system | {system}; {wine} |
-| compilers | {compilers} |
-
-## How to read the table
-
-Sizes: S is the {S} classified preferences, M {M:,} and L {L:,} of which most are a host's own.
-Worlds: *Windows* is the DLL under Wine, called as a host calls it; *native* is the same sources
-built for Linux, with a stand-in for the calls of Windows. Each figure is the median of interleaved
-repetitions: CPU time of reads and replacements, elapsed time of all else.
-
-The **floor** of reads is a `std::unordered_map` over names that were folded and joined beforehand,
-on both sides. That of loading and saving is reading and writing the library's two files as plain
-bytes, that of `LoadPreferences` without files two failed opens, that of an uncached read from the
-registry the calls that it has to make, that of a process one that loads an empty library. RapidJSON
-parses in place and writes prettily the library's own two files; every other library has one file of
-its own. Memory is what a process that only loads has resident more than before.
-
-{table}
-
-## Targets
-
-{checks}
-
-The DLL has {bytes:,} bytes when stripped and imports {imports}.
-"""
+FLOORS = ("floor", "files", "flushed file", "open, query, close")
+WORKLOADS = ("first use", "first use, CPU", "first use, page faults", "first use, process",
+             "read int", "read int, classified", "read absent", "read text",
+             "read text, classified", "read literal", "replace int", "replace int, classified",
+             "insert", "delete", "load", "load, CPU", "load, page faults", "load nothing", "save",
+             "save, CPU", "save, page faults", "save, protected", "memory held", "memory at most",
+             "registry, cached", "registry, uncached", "growth, insert", "growth, read",
+             "growth, load", "growth, save")
+HEADER = ("workload", "size", "world", "ours", "floor", "× floor", "best peer", "× best peer",
+          *targets.PEERS, "before", "× before", "target")
 
 
 class Run:
@@ -68,125 +34,73 @@ class Run:
         for one in results["figures"]:
             stores = self.times.setdefault((one["world"], one["workload"], one["size"]), {})
             stores[one["store"]] = one["value"]
-        for (world, workload, size), stores in self.times.items():
-            if workload == "registry, cached":
-                stores["JSON store"] = self.times[world, "read int", size]["ours"]
-        self.checks = targets.check_all(self.times, results["counts"], results["library"])
+        self.checks = targets.check_all(self.times, results["library"])
 
     def rows(self):
-        order = sorted(self.times, key=lambda key: (WORKLOADS.index(key[1]),
-                                                    targets.SIZES.index(key[2]), key[0]))
-        return [(key, self.times[key]) for key in order]
+        """Cells of the table for all figures."""
+        place = {key: index for index, key in enumerate(self.times)}
+        order = sorted(self.times, key=lambda key: (WORKLOADS.index(key[1]), key[2] not in "SML",
+                                                    place[key]))
+        return [self.row(*key) for key in order]
 
-    def checks_of(self, world, workload, size):
-        return [check for check in self.checks
-                if (check.world, check.workload, check.size) == (world, workload, size)]
+    def row(self, world, workload, size):
+        stores = self.times[world, workload, size]
+        ours = stores.get("ours")
+        floor = next((stores[name] for name in FLOORS if name in stores), None)
+        best = best_peer(stores)
+        best_time = stores.get(best)
+        before = stores.get("before")
+        figures = [format_figure(workload, stores.get(peer)) for peer in targets.PEERS]
+        verdicts = [format_check(check) for check in self.checks
+                    if (targets.WORLD, check.workload, check.size) == (world, workload, size)]
+        return [workload, size, world, format_figure(workload, ours),
+                format_figure(workload, floor), format_ratio(ours, floor), best or "",
+                format_ratio(ours, best_time), *figures, format_figure(workload, before),
+                format_ratio(ours, before), "; ".join(verdicts)]
+
+
+def best_peer(stores):
+    return min((name for name in targets.PEERS if name in stores), key=stores.get, default=None)
 
 
 def format_figure(workload, value):
     if value is None:
         return ""
+    if workload.endswith("page faults"):
+        return f"{value:,.0f}"
     if workload.startswith("memory"):
         return f"{value:.0f} B"
     for unit, scale in (("ns", 1), ("µs", 1e3), ("ms", 1e6), ("s", 1e9)):
-        if value < 1000 * scale or unit == "s":
-            return f"{value / scale:.3g} {unit}" if value < 100 * scale else \
-                f"{value / scale:.0f} {unit}"
+        if value < 999.5 * scale or unit == "s":
+            return f"{value / scale:.3g} {unit}"
 
 
 def format_check(check):
-    verdict = "met" if check.met else "missed"
-    return f"{check.value:,.4g} {check.subject} (at most {check.limit:,.4g}): {verdict}"
+    return f"{'met' if check.met else 'MISSED'}: {check.value:,.3g}, at most {check.limit:,.4g} " \
+           f"{check.subject}"
 
 
 def format_ratio(value, other):
-    return "" if other is None else f"{value / other:.2f}"
+    return f"{value / other:.2f}" if value is not None and other else ""
 
 
-def make_table(run):
-    """A header and rows of cells."""
-    header = ["workload", "size", "world", "ours", "floor", "best peer", "× floor", "× best peer",
-              *PEERS, "target"]
-    rows = []
-    for (world, workload, size), stores in run.rows():
-        ours = stores["ours"]
-        floor = next((stores[name] for name in FLOORS if name in stores), None)
-        best = min((name for name in PEERS if name in stores), key=stores.get, default=None)
-        checks = run.checks_of(world, workload, size)
-        rows.append([workload, size, world,
-                     *(format_figure(workload, value) for value in (ours, floor)),
-                     best or "", format_ratio(ours, floor), format_ratio(ours, stores.get(best)),
-                     *(format_figure(workload, stores.get(name)) for name in PEERS),
-                     "; ".join(f"{'met' if check.met else 'MISSED'} (≤ {check.limit:,.4g} "
-                               f"{check.subject})" for check in checks)])
-    return header, rows
+def shown_columns(rows):
+    """A column without a figure is left out."""
+    kept = [index for index, name in enumerate(HEADER) if any(row[index] for row in rows)]
+    return [[row[index] for index in kept] for row in (list(HEADER), *rows)]
 
 
 def print_table(run):
-    header, rows = make_table(run)
-    widths = [max(len(row[column]) for row in (header, *rows)) for column in range(len(header))]
-    for row in (header, *rows):
-        print("  ".join(cell.ljust(width) for cell, width in zip(row, widths)).rstrip())
-    print()
+    lines = shown_columns(run.rows())
+    widths = [max(len(line[column]) for line in lines) for column in range(len(lines[0]))]
+    for line in lines:
+        print("  ".join(cell.ljust(width) for cell, width in zip(line, widths)).rstrip())
     missed = [check for check in run.checks if not check.met]
-    print(f"{len(run.checks) - len(missed)} of {len(run.checks)} targets met; missed:")
+    print(f"\n{len(run.checks) - len(missed)} of {len(run.checks)} targets met; missed:")
     for check in missed:
-        print(f"  {check.world:8} {check.workload:24} {check.size:7} {format_check(check)}")
+        print(f"  {check.workload:24} {check.size:26} {format_check(check)}")
     low, high = run.results["load_average"]
     print(f"load of the machine meanwhile: {low:.1f} to {high:.1f}")
-
-
-def to_markdown(header, rows):
-    lines = [header, ["---"] * len(header), *rows]
-    return "\n".join("| " + " | ".join(line) + " |" for line in lines)
-
-
-def write_page(run, folder):
-    results = run.results
-    machine = dict(results["machine"], compilers="; ".join(results["machine"]["compilers"]))
-    checks = [[check.workload, check.size, check.world, f"{check.value:,.4g}",
-               f"{check.limit:,.4g}", check.subject, "met" if check.met else "**missed**"]
-              for check in run.checks]
-    page = PAGE.format(
-        table=to_markdown(*make_table(run)),
-        checks=to_markdown(["workload", "size", "world", "is", "at most", "", ""], checks),
-        size=f"{results['counts'][CHART_SIZE]:,}", date=results["date"],
-        command=results["command"], load=results["load_average"],
-        bytes=results["library"]["bytes"], imports=", ".join(results["library"]["imports"]),
-        **machine, **results["counts"])
-    (folder / "performance.md").write_text(page)
-
-
-def write_chart(run, path):
-    import matplotlib  # noqa: only the chart needs it
-
-    matplotlib.use("svg")
-    matplotlib.rcParams.update({"svg.fonttype": "none", "svg.hashsalt": "performance",
-                                "font.family": "sans-serif", "font.size": 8})
-    from matplotlib import pyplot
-
-    worlds = sorted({world for world, _, _ in run.times})
-    figure, grid = pyplot.subplots(len(CHART_WORKLOADS), len(worlds), layout="constrained",
-                                   figsize=(4.5 * len(worlds), 1.6 * len(CHART_WORKLOADS)))
-    for row, workload in zip(grid, CHART_WORKLOADS):
-        for axes, world in zip(row, worlds):
-            draw_bars(axes, f"{workload}, {CHART_SIZE}, {world}", workload,
-                      run.times[world, workload, CHART_SIZE])
-    figure.savefig(path, metadata={"Date": None})
-
-
-def draw_bars(axes, title, workload, stores):
-    names = ["ours", *(name for name in (*FLOORS, *PEERS) if name in stores)]
-    values = [stores[name] for name in names]
-    colors = ["#1f6feb" if name == "ours" else "#9aa4b0" if name in FLOORS else "#d0d7de"
-              for name in names]
-    bars = axes.barh(names, values, color=colors)
-    axes.bar_label(bars, [format_figure(workload, value) for value in values], padding=2)
-    axes.set_xlim(0, max(values) * 1.3)
-    axes.set_title(title, loc="left", fontweight="bold")
-    axes.invert_yaxis()
-    axes.xaxis.set_visible(False)
-    axes.spines[["top", "right", "bottom"]].set_visible(False)
 
 
 def main():
@@ -195,12 +109,13 @@ def main():
     parser.add_argument("--docs", type=pathlib.Path)
     arguments = parser.parse_args()
     run = Run(json.loads(arguments.results.read_text()))
-    if arguments.docs:
-        write_chart(run, arguments.docs / "performance.svg")
-        write_page(run, arguments.docs)
-    else:
+    if arguments.docs is None:
         print_table(run)
+    elif not run.results["whole"]:
+        sys.exit("the pages are made of whole runs")
+    else:
+        pages.write(run, shown_columns(run.rows()), best_peer, format_figure, arguments.docs)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()

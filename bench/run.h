@@ -4,6 +4,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -50,9 +51,18 @@ auto MakeParts(const Sequence& sequence, Make make) {
   return parts;
 }
 
-/// Measures `operation` for each name in turn, again and again.
 template <typename Name, typename Operation>
-void Run(benchmark::State& state, const Parts<Name>& parts, Operation operation) {
+void RunOnce(const Parts<Name>& parts, Operation operation) {
+  for (const Part<Name>& part : parts) {
+    const prefs::ShareLevelOverride guard(part.level);
+    std::for_each(part.names.begin(), part.names.end(), operation);
+  }
+}
+
+/// Measures `operation` for each name in turn, again and again; calls `next_round` in between.
+template <typename Name, typename Operation, typename NextRound>
+void Run(benchmark::State& state, const Parts<Name>& parts, Operation operation,
+         NextRound next_round) {
   auto part = parts.begin();
   while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(part->names.size()))) {
     const prefs::ShareLevelOverride guard(part->level);
@@ -61,18 +71,25 @@ void Run(benchmark::State& state, const Parts<Name>& parts, Operation operation)
     }
     if (++part == parts.end()) {
       part = parts.begin();
+      next_round();
     }
   }
 }
 
-/// A benchmark called WORKLOAD/SIZE/STORE.
+template <typename Name, typename Operation>
+void Run(benchmark::State& state, const Parts<Name>& parts, Operation operation) {
+  Run(state, parts, operation, [] {});
+}
+
+/// A benchmark called WORKLOAD/SIZE/STORE, of elapsed time: Windows counts CPU time in ticks of ten
+/// milliseconds and more.
 template <typename Function, typename... Arguments>
 benchmark::internal::Benchmark* Register(const std::string& workload, Size size,
                                          const std::string& store, Function function,
                                          Arguments... arguments) {
   const std::string name = workload + "/" + GetName(size) + "/" + store;
-  return benchmark::RegisterBenchmark(
-      name.c_str(), [=](benchmark::State& state) { function(state, size, arguments...); });
+  const auto run = [=](benchmark::State& state) { function(state, size, arguments...); };
+  return benchmark::RegisterBenchmark(name.c_str(), run)->UseRealTime();
 }
 
 /// A library that leaves the upper halves of the vector registers in use makes all SSE code slow
@@ -80,14 +97,13 @@ benchmark::internal::Benchmark* Register(const std::string& workload, Size size,
 /// begins without.
 void ClearVectorRegisters();
 
-/// The store of that kind and size, filled by its first user.
+/// The store of that kind and size, loaded by its first user from what `bench_files write` wrote.
 template <typename Store>
 Store& GetStore(Size size) {
   static std::map<Size, Store> stores;
   const auto [found, made] = stores.try_emplace(size, size);
   Store& store = found->second;
   if (made) {
-    store.WriteFiles();
     store.Load();
   }
   store.Use();

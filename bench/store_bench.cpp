@@ -12,7 +12,6 @@
 #include "data.h"
 #include "run.h"
 #include "stores/Floor.h"
-#include "stores/PlainFiles.h"
 #include "stores/all.h"
 
 namespace vemora::bench {
@@ -77,12 +76,13 @@ void ReadAbsent(State& state, Size size) {
   static std::map<Size, Parts<typename Store::Name>> made;
   Parts<typename Store::Name>& parts = made[size];
   if (parts.empty()) {
-    parts = MakeParts(GetAbsent(size), Store::MakeName);
+    parts = MakeParts(GetAbsent(size, " Old"), Store::MakeName);
   }
   Run(state, parts, [&store](const auto& name) { return store.ReadInt(name); });
 }
 
-/// The value is the one that is stored already, so that other benchmarks find it.
+/// Each time by another value, and in the end by the one that was stored, so that other benchmarks
+/// find it.
 template <typename Store>
 void ReplaceInts(State& state, Size size, bool classified) {
   struct Assignment {
@@ -93,44 +93,98 @@ void ReplaceInts(State& state, Size size, bool classified) {
   const auto make = [](const Preference& preference) {
     return Assignment{Store::MakeName(preference), std::get<int>(preference.value)};
   };
-  const auto replace = [&store](const Assignment& assignment) {
-    return store.WriteInt(assignment.name, assignment.value);
+  int added = 0;
+  const auto replace = [&](const Assignment& assignment) {
+    return store.WriteInt(assignment.name, assignment.value + added);
   };
   const auto check = [&](const Assignment& assignment) {
     replace(assignment);
     return store.ReadInt(assignment.name);
   };
-  Run(state, GetNames<Store, Kind::kInt>(size, classified, make, check), replace);
+  const auto& parts = GetNames<Store, Kind::kInt>(size, classified, make, check);
+  added = 1;
+  Run(state, parts, replace, [&added] { added = -added; });
+  added = 0;
+  RunOnce(parts, replace);
 }
 
-/// Into a new store; what became of the last one does not count.
+/// New preferences and their values.
 template <typename Store>
-void Load(State& state, Size size) {
-  auto& store = GetStore<Store>(size);
-  for (auto _ : state) {
-    store.Unload();
+class Changes {
+ public:
+  Changes(Store& store, Size size)
+      : store_(store), sequence_(GetAbsent(size, " New")), parts_(MakeParts(sequence_, Make)) {
+    Insert();
+    CheckEach([](const Preference& preference) { return preference.value; });
+    Delete();
+    CheckEach([](const Preference& /*preference*/) { return Value(0); });
+  }
+
+  std::size_t count() const { return sequence_.size(); }
+
+  void Reload() {
+    store_.Unload();
+    store_.Load();
+  }
+  Seconds Insert() {
+    return Measure([this](const Name& name) { store_.Insert(name.name, name.value); });
+  }
+  Seconds Delete() {
+    return Measure([this](const Name& name) { store_.Delete(name.name); });
+  }
+
+ private:
+  struct Name {
+    typename Store::Name name;
+    int value;
+  };
+
+  static Name Make(const Preference& preference) {
+    return {Store::MakeName(preference), std::get<int>(preference.value)};
+  }
+
+  template <typename Operation>
+  Seconds Measure(Operation operation) {
     const auto start = Clock::now();
-    store.Load();
-    state.SetIterationTime(Seconds(Clock::now() - start).count());
+    for (const Part<Name>& part : parts_) {
+      const prefs::ShareLevelOverride guard(part.level);
+      for (const Name& name : part.names) {
+        operation(name);
+      }
+    }
+    return Clock::now() - start;
   }
-}
 
+  template <typename Expected>
+  void CheckEach(Expected expected) {
+    for (const Preference* preference : sequence_) {
+      const prefs::ShareLevelOverride guard(preference->level);
+      if (Value(store_.ReadInt(Store::MakeName(*preference))) != expected(*preference)) {
+        throw std::runtime_error(std::string(Store::kName) + " does not keep up with changes");
+      }
+    }
+  }
+
+  Store& store_;
+  const Sequence& sequence_;
+  const Parts<Name> parts_;
+};
+
+/// New preferences are inserted into a store that was just loaded, and then deleted; one of both is
+/// measured.
 template <typename Store>
-void Save(State& state, Size size) {
+void Change(State& state, Size size, Seconds (Changes<Store>::*measured)()) {
   auto& store = GetStore<Store>(size);
-  for (auto _ : state) {
-    store.Save();
+  static std::map<Size, Changes<Store>> made;
+  Changes<Store>& changes = made.try_emplace(size, store, size).first->second;
+  while (state.KeepRunningBatch(static_cast<benchmark::IterationCount>(changes.count()))) {
+    changes.Reload();
+    const Seconds inserting = changes.Insert();
+    const Seconds deleting = changes.Delete();
+    const bool inserts = measured == &Changes<Store>::Insert;
+    state.SetIterationTime((inserts ? inserting : deleting).count());
   }
-}
-
-/// The way that loses nothing, for what it costs beside the one above.
-void SaveProtected(State& state, Size size) {
-  auto& store = GetStore<Ours>(size);
-  prefs::SetSaveMode(prefs::ESaveMode::kProtected);
-  for (auto _ : state) {
-    store.Save();
-  }
-  prefs::SetSaveMode(prefs::ESaveMode::kRewriteInPlace);
+  changes.Reload();
 }
 
 /// `LoadPreferences` of a store whose files do not exist.
@@ -159,12 +213,6 @@ void OpenNothing(State& state, Size size) {
 }
 
 template <typename Store>
-void RegisterFiles(Size size) {
-  Register("load", size, Store::kName, Load<Store>)->UseManualTime();
-  Register("save", size, Store::kName, Save<Store>)->UseRealTime();
-}
-
-template <typename Store>
 void RegisterReads(Size size) {
   // Classified preferences are all there is in S; in larger stores they are measured apart.
   const bool classified = size == Size::kS;
@@ -180,31 +228,47 @@ void RegisterReads(Size size) {
 }
 
 template <typename Store>
+void RegisterChanges(Size size) {
+  // Loading takes far longer than what is measured.
+  constexpr double kSeconds = 0.0004;
+  Register("insert", size, Store::kName, Change<Store>, &Changes<Store>::Insert)
+      ->UseManualTime()
+      ->MinTime(kSeconds);
+  Register("delete", size, Store::kName, Change<Store>, &Changes<Store>::Delete)
+      ->UseManualTime()
+      ->MinTime(kSeconds);
+}
+
+template <typename Store>
 void RegisterLiterals(Size size) {
   Register("read literal", size, Store::kName, ReadWithLiterals<Store>, size == Size::kS);
 }
 
 template <typename... Stores>
-void RegisterEach(StoreList<Stores...> /*stores*/, Size size) {
-  (RegisterFiles<Stores>(size), ...);
+void RegisterReads(StoreList<Stores...> /*stores*/, Size size) {
   (RegisterReads<Stores>(size), ...);
+}
+
+template <typename... Stores>
+void RegisterChanges(StoreList<Stores...> /*stores*/, Size size) {
+  (RegisterChanges<Stores>(size), ...);
 }
 
 }  // namespace
 
 void RegisterStoreBenchmarks(Size size) {
-  RegisterEach(AllStores(), size);
-  RegisterFiles<PlainFiles>(size);
+  RegisterReads(AllStores(), size);
   RegisterReads<Floor>(size);
+  if (size != Size::kL) {
+    RegisterChanges(ChangingStores(), size);
+    RegisterChanges<Floor>(size);
+  }
   RegisterLiterals<Ours>(size);
   RegisterLiterals<Floor>(size);
   RegisterLiterals<Nlohmann>(size);
-  if (size != Size::kL) {
-    Register("save, protected", size, Ours::kName, SaveProtected)->UseRealTime();
-  }
   if (size == Size::kS) {
-    Register("load nothing", size, Ours::kName, LoadNothing)->UseRealTime();
-    Register("load nothing", size, PlainFiles::kName, OpenNothing)->UseRealTime();
+    Register("load nothing", size, Ours::kName, LoadNothing);
+    Register("load nothing", size, "files", OpenNothing);
   }
 }
 

@@ -1,10 +1,7 @@
-// What every process takes that loads a library.
-#include "empty_library.h"
+// What every process takes.
 #include "start.h"
 
 int main() {
   const vemora::bench::Stopwatch stopwatch;
-  const int nothing = GetNothing();
   stopwatch.Print();
-  return nothing;
 }

@@ -1,8 +1,11 @@
 /// @file
 #pragma once
 
+#include <cstddef>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <variant>
@@ -11,16 +14,31 @@
 
 namespace vemora::bench {
 
+/// Compares texts with `memcmp`. The standard library does so only with wchar_t, and thus only
+/// where that has two bytes: the floor is to be the same code everywhere.
+struct UnitTraits : std::char_traits<char16_t> {
+  static int compare(const char16_t* left, const char16_t* right, std::size_t length) {
+    return std::memcmp(left, right, length * sizeof(char16_t));
+  }
+};
+
+inline std::string AsUtf8(const std::basic_string<char16_t, UnitTraits>& text) {
+  return vemora_ustring(text.begin(), text.end()).ToUtf8();
+}
+
 /// The least that a store of strings could do: a hash map of the standard library, its names folded
 /// and joined beforehand, and so the names that are asked for.
 class Floor : public Store {
  public:
   static constexpr const char* kName = "floor";
 
-  using Name = vemora_ustring::Base;
+  using Name = std::basic_string<char16_t, UnitTraits>;
   static Name MakeName(const Preference& preference) {
-    vemora_ustring name = ToText(preference.category + '\x1F' + preference.key);
-    return name.ToUpper();
+    return FoldName(ToText(preference.category + '\x1F' + preference.key));
+  }
+  static Name FoldName(vemora_ustring name) {
+    name.ToUpper();
+    return MakeText(name);
   }
   struct JoinedLiteral {
     std::string text;
@@ -31,12 +49,13 @@ class Floor : public Store {
 
   explicit Floor(Size size) : size_(size) {}
 
-  void WriteFiles() {}
   void Load() {
     for (const Preference& preference : GetPreferences(size_)) {
       values_.emplace(MakeName(preference), std::visit(MakeValue{}, preference.value));
     }
   }
+
+  void Unload() { values_ = {}; }
 
   int ReadInt(const Name& name) const { return Read(name, 0); }
   /// One text is made on the way.
@@ -49,6 +68,8 @@ class Floor : public Store {
     values_.insert_or_assign(name, value);
     return true;
   }
+  bool Insert(const Name& name, int value) { return WriteInt(name, value); }
+  void Delete(const Name& name) { values_.erase(name); }
 
  private:
   using OwnValue = std::variant<bool, int, double, Name>;
@@ -58,8 +79,18 @@ class Floor : public Store {
     OwnValue operator()(const T& value) const {
       return value;
     }
-    OwnValue operator()(const std::string& text) const { return Name(ToText(text)); }
+    OwnValue operator()(const std::string& text) const { return MakeText(ToText(text)); }
   };
+
+  /// May throw as far as the map knows, which therefore keeps the hashes.
+  struct Hash {
+    std::size_t operator()(const Name& name) const {
+      return std::hash<std::string_view>()(std::string_view(
+          reinterpret_cast<const char*>(name.data()), name.size() * sizeof(char16_t)));
+    }
+  };
+
+  static Name MakeText(const vemora_ustring& text) { return Name(text.begin(), text.end()); }
 
   template <typename T>
   T Read(const Name& name, const T& default_value) const {
@@ -73,7 +104,7 @@ class Floor : public Store {
 
   const Size size_;
   const Name default_text_;
-  std::unordered_map<Name, OwnValue> values_;
+  std::unordered_map<Name, OwnValue, Hash> values_;
 };
 
 }  // namespace vemora::bench

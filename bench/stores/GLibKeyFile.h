@@ -42,6 +42,10 @@ class GLibKeyFile : public Store {
     Write(name.category.c_str(), name.key.c_str(), value);
     return true;
   }
+  bool Insert(const Name& name, int value) { return WriteInt(name, value); }
+  void Delete(const Name& name) {
+    g_key_file_remove_key(keys_.get(), name.category.c_str(), name.key.c_str(), nullptr);
+  }
 
  private:
   struct Deleter {

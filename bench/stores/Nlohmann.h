@@ -50,6 +50,8 @@ class Nlohmann : public Store {
     document_[name.category][name.key] = value;
     return true;
   }
+  bool Insert(const Name& name, int value) { return WriteInt(name, value); }
+  void Delete(const Name& name) { document_[name.category].erase(name.key); }
 
  private:
   template <typename AnyName>

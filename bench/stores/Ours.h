@@ -49,6 +49,8 @@ class Ours : public Store {
   bool WriteInt(const Name& name, int value) {
     return prefs::Get().WriteInt(name.category, name.key, value);
   }
+  bool Insert(const Name& name, int value) { return WriteInt(name, value); }
+  void Delete(const Name& name) { prefs::Get().DeletePreference(name.category, name.key); }
 
  private:
   const Size size_;

@@ -15,13 +15,15 @@ class PlainFiles : public Store {
  public:
   static constexpr const char* kName = "files";
 
-  explicit PlainFiles(Size size)
-      : size_(size),
-        private_(size, "plain-private.json"),
-        shared_(size, "plain-shared.json"),
-        files_(size) {}
+  /// Whether the preference lies in the private file.
+  using Name = bool;
+  static Name MakeName(const Preference& preference) {
+    return preference.level == prefs::kThisComputerOnly;
+  }
 
-  void WriteFiles() { StoreFiles::Write(size_); }
+  explicit PlainFiles(Size size)
+      : private_(size, "plain-private.json"), shared_(size, "plain-shared.json"), files_(size) {}
+
   void Load() {
     private_.bytes = ReadFile(files_.private_file, &private_.size);
     shared_.bytes = ReadFile(files_.shared_file, &shared_.size);
@@ -30,12 +32,14 @@ class PlainFiles : public Store {
     private_.bytes.reset();
     shared_.bytes.reset();
   }
+  /// Which bytes are written does not matter.
+  bool WriteInt(const Name& /*is_private*/, int /*value*/) { return true; }
   void Save() {
     private_.Save();
     shared_.Save();
   }
 
- private:
+ protected:
   struct File {
     File(Size of, const char* name) : copy(GetFile(of, name)) {}
     void Save() const { WriteFile(copy, bytes.get(), size); }
@@ -45,9 +49,10 @@ class PlainFiles : public Store {
     std::size_t size = 0;
   };
 
-  const Size size_;
   File private_;
   File shared_;
+
+ private:
   const StoreFiles files_;
 };
 

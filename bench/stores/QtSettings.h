@@ -48,11 +48,7 @@ class QtSettings : public Store {
     file_time_ += std::chrono::seconds(1);
     std::filesystem::last_write_time(file_, file_time_);
   }
-  /// Only what changed would be written.
-  void Save() {
-    settings_->setValue("Saved", ++saves_);
-    settings_->sync();
-  }
+  void Save() { settings_->sync(); }
 
   int ReadInt(const Name& name) const { return settings_->value(name).toInt(); }
   QString ReadText(const Name& name) const { return settings_->value(name).toString(); }
@@ -60,6 +56,8 @@ class QtSettings : public Store {
     settings_->setValue(name, value);
     return true;
   }
+  bool Insert(const Name& name, int value) { return WriteInt(name, value); }
+  void Delete(const Name& name) { settings_->remove(name); }
 
  private:
   static Name Join(const std::string& category, const std::string& key) {
@@ -79,7 +77,6 @@ class QtSettings : public Store {
   const Size size_;
   const std::string file_;
   std::filesystem::file_time_type file_time_ = std::filesystem::file_time_type::clock::now();
-  int saves_ = 0;
   std::unique_ptr<QSettings> settings_;
 };
 

@@ -41,6 +41,8 @@ class SimpleIni : public Store {
     Write(name.category.c_str(), name.key.c_str(), value);
     return true;
   }
+  bool Insert(const Name& name, int value) { return WriteInt(name, value); }
+  void Delete(const Name& name) { ini_.Delete(name.category.c_str(), name.key.c_str()); }
 
  private:
   void Write(const char* category, const char* key, bool truth) {

@@ -24,6 +24,11 @@ namespace vemora::bench {
 ///     int ReadInt(const Name&);        // 0 if there is none
 ///     … ReadText(const Name&);         // the caller's own copy
 ///     bool WriteInt(const Name&, int);
+///
+/// and, if it is measured while preferences come and go,
+///
+///     bool Insert(const Name&, int);
+///     void Delete(const Name&);
 class Store {
  public:
   /// Called before each benchmark.
@@ -60,8 +65,6 @@ void WriteEach(Size size, Write write) {
 }
 
 inline std::string AsUtf8(const std::string& text) { return text; }
-inline std::string AsUtf8(const vemora_ustring::Base& text) {
-  return vemora_ustring(text).ToUtf8();
-}
+inline std::string AsUtf8(const vemora_ustring& text) { return text.ToUtf8(); }
 
 }  // namespace vemora::bench

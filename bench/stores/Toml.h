@@ -53,6 +53,11 @@ class Toml : public Store {
     }
     return keys != nullptr;
   }
+  bool Insert(const Name& name, int value) {
+    table_.insert(name.category, toml::table());
+    return WriteInt(name, value);
+  }
+  void Delete(const Name& name) { table_[name.category].as_table()->erase(name.key); }
 
  private:
   const Size size_;
