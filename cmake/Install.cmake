@@ -29,6 +29,12 @@ target_sources(CommonPreferences PUBLIC
     utils/Registry.h
     utils/Singleton.h)
 
+# All that is installed, without tests and examples.
+add_custom_target(product DEPENDS CommonPreferences CommonPreferencesValues)
+if(TARGET vemora-prefs)
+  add_dependencies(product vemora-prefs)
+endif()
+
 set_target_properties(CommonPreferencesValues PROPERTIES EXPORT_NAME Values)
 install(TARGETS CommonPreferences CommonPreferencesValues
   EXPORT CommonPreferences

@@ -43,10 +43,18 @@ inline std::string ReadBytes(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+/// A name that the current test has for itself.
+inline std::string TestName() {
+  const ::testing::TestInfo& test = *::testing::UnitTest::GetInstance()->current_test_info();
+  std::string name = std::string(test.test_suite_name()) + "." + test.name();
+  std::replace(name.begin(), name.end(), '/', '-');
+  return name;
+}
+
 /// An empty folder for one test, removed when the test has ended.
 class ScratchFolder {
  public:
-  ScratchFolder() : path_(MakePath()) {
+  ScratchFolder() : path_(std::filesystem::absolute(TEST_WORK_FOLDER) / TestName()) {
     std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }
@@ -70,13 +78,6 @@ class ScratchFolder {
   }
 
  private:
-  static std::filesystem::path MakePath() {
-    const ::testing::TestInfo& test = *::testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = std::string(test.test_suite_name()) + "." + test.name();
-    std::replace(name.begin(), name.end(), '/', '-');
-    return std::filesystem::absolute(TEST_WORK_FOLDER) / name;
-  }
-
   std::filesystem::path path_;
 };
 

@@ -15,7 +15,7 @@ namespace vemora::testing {
 class RegistryKey {
  public:
   explicit RegistryKey(const vemora_ustring& name = "key")
-      : path_(ToText(ScratchFolder().path().filename()) + vemora_ustring("\\") + name) {}
+      : path_(Utf8(TestName()) + vemora_ustring("\\") + name) {}
 
   vemora_ustring path() const { return path_; }
 

@@ -36,7 +36,7 @@ def windows(*tests):
 JSON = native("GuessedLevel_test", "JsonCommon_test", "JsonFiles_test", "PreferencesMemory_test",
               "PreferencesDefaults_test")
 
-# The test programs of each file, the cheapest first.
+# The test files of each file, the cheapest first.
 UNITS = {
     "prefs/Arena.cpp": native("Arena_test", "PreferenceMap_test"),
     "prefs/Classification.cpp": native("Classification_test"),

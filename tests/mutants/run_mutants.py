@@ -21,7 +21,7 @@ from mutants import MUTANTS, UNITS
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COPY = ROOT / "build" / "mutants"
 JOBS = "2"
-TEST_SECONDS = "180"  # a mutant that runs longer hangs; the slowest of these programs writes many files
+TEST_SECONDS = "180"  # a mutant that runs longer hangs; the slowest of these suites writes many files
 REQUIRED_SHARE = 0.95
 
 
@@ -70,9 +70,10 @@ def build_command(preset, *tests):
 
 
 def test_command(preset, *tests):
-    pattern = f"^({'|'.join(tests)})$"
-    return ["ctest", "--preset", preset, "--tests-regex", pattern, "--timeout", TEST_SECONDS,
-            "--stop-on-failure"]
+    """Runs the suites of those files."""
+    pattern = f"^({'|'.join(tests)})\\."
+    return ["ctest", "--preset", preset, "--parallel", JOBS, "--tests-regex", pattern,
+            "--timeout", TEST_SECONDS, "--stop-on-failure"]
 
 
 def check_unmutated(programs):
@@ -100,7 +101,7 @@ def failed_tests(output):
 
 
 def find_catcher(programs):
-    """Builds and runs one test program after the other; None when none notices."""
+    """Builds and runs the tests of one file after the other; None when none notices."""
     for program in programs:
         built = run(*build_command(program.preset, program.test))
         if built.returncode != 0:

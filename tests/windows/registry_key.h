@@ -13,12 +13,13 @@
 
 namespace vemora::testing {
 
-/// A path below HKEY_CURRENT_USER that no program uses. Nothing is there at first; what is made
-/// below it is removed when the test has ended.
+/// A path below HKEY_CURRENT_USER that no program and no other test uses. Nothing is there at
+/// first; what is made below it is removed when the test has ended.
 class RegistryKey {
  public:
   explicit RegistryKey(const vemora_ustring& name = L"key")
-      : path_(vemora_ustring(kRoot) + L'\\' + name) {
+      : root_(vemora_ustring(LR"(Software\VemoraTests.)") + Utf8(TestName())),
+        path_(root_ + L'\\' + name) {
     RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
   }
   RegistryKey(const RegistryKey&) = delete;
@@ -26,7 +27,7 @@ class RegistryKey {
   ~RegistryKey() {
     RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
     RegDeleteKeyW(HKEY_CURRENT_USER, path_.c_str());
-    RegDeleteKeyW(HKEY_CURRENT_USER, kRoot);  // succeeds when it is the last
+    RegDeleteKeyW(HKEY_CURRENT_USER, root_.c_str());  // succeeds when it is the last
   }
 
   vemora_ustring path() const { return path_; }
@@ -65,8 +66,6 @@ class RegistryKey {
   }
 
  private:
-  static constexpr wchar_t kRoot[] = LR"(Software\VemoraTests)";
-
   vemora_ustring Subkey(const vemora_ustring& category) const { return path_ + L'\\' + category; }
 
   void Set(const vemora_ustring& category, const vemora_ustring& name, DWORD type, const void* data,
@@ -76,6 +75,7 @@ class RegistryKey {
               ERROR_SUCCESS);
   }
 
+  vemora_ustring root_;
   vemora_ustring path_;
 };
 
