@@ -9,12 +9,6 @@ namespace {
 
 std::uint64_t Join(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
-/// Whether absolute paths are equal but for the case of letters.
-bool EqualNoCase(const vemora_ustring& left, const vemora_ustring& right) {
-  return CompareStringOrdinal(left.c_str(), static_cast<int>(left.size()), right.c_str(),
-                              static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
-}
-
 /// An absolute path as its folder, with the separator behind it, and the name there.
 struct PathParts {
   explicit PathParts(const vemora_ustring& path) {

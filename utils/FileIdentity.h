@@ -24,7 +24,8 @@ struct FileIdentity {
 struct FileState {
   FileIdentity identity;
   std::uint64_t size = 0;
-  std::uint64_t written = 0;  // as the system counts time
+  /// In the ticks of the system: since 1601, ten million a second, where that is Windows.
+  std::uint64_t written = 0;
 
   bool operator==(const FileState& other) const {
     return identity == other.identity && size == other.size && written == other.written;

@@ -2,31 +2,44 @@
 
 #include <windows.h>
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <ctime>
 #include <limits>
+#include <optional>
 
+#include "utils/FileIdentity.h"
 #include "utils/Locations.h"
 #include "utils/SystemFile.h"
 
 namespace vemora::utils {
 namespace {
 
-/// Whether both paths lead to the same existing file.
-bool IsSameFile(const vemora_ustring& left, const vemora_ustring& right) {
-  const auto identify = [](const vemora_ustring& path, BY_HANDLE_FILE_INFORMATION& information) {
-    const UniqueHandle file(ValidOrNull(
-        CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)));
-    return file != nullptr && GetFileInformationByHandle(file.get(), &information) != 0;
-  };
-  BY_HANDLE_FILE_INFORMATION a = {};
-  BY_HANDLE_FILE_INFORMATION b = {};
-  return identify(left, a) && identify(right, b) &&
-         a.dwVolumeSerialNumber == b.dwVolumeSerialNumber && a.nFileIndexHigh == b.nFileIndexHigh &&
-         a.nFileIndexLow == b.nFileIndexLow;
+/// The path of a file in the system's own spelling, links being followed; empty on failure.
+vemora_ustring GetFinalPath(const vemora_ustring& path) {
+  const UniqueHandle file(ValidOrNull(
+      CreateFileW(path.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)));
+  constexpr DWORD kKind = FILE_NAME_NORMALIZED | VOLUME_NAME_NT;
+  vemora_ustring final_path(GetFinalPathNameByHandleW(file.get(), nullptr, 0, kKind), 0);
+  const DWORD length = GetFinalPathNameByHandleW(file.get(), final_path.data(),
+                                                 static_cast<DWORD>(final_path.size()), kKind);
+  final_path.resize(length < final_path.size() ? length : 0);
+  return final_path;
+}
+
+/// Whether both paths lead to the same entry of the same folder, in whatever spelling; one file can
+/// have several entries.
+bool IsSameEntry(const vemora_ustring& left, const vemora_ustring& right) {
+  const std::optional<FileState> left_state = GetFileState(left);
+  const std::optional<FileState> right_state = GetFileState(right);
+  if (!left_state.has_value() || !right_state.has_value() ||
+      !(left_state->identity == right_state->identity)) {
+    return false;
+  }
+  const vemora_ustring left_path = GetFinalPath(left);
+  const vemora_ustring right_path = GetFinalPath(right);
+  // What the system cannot tell apart may be one entry, whose file would be deleted.
+  return left_path.empty() || right_path.empty() || EqualNoCase(left_path, right_path);
 }
 
 }  // namespace
@@ -80,7 +93,7 @@ bool DeleteFileIfPresent(const vemora_ustring& path) {
 
 bool MoveFileReplacing(const vemora_ustring& from, const vemora_ustring& to) {
   const bool is_file = IsRegularFile(GetAttributes(from));
-  if (is_file && CanNameFile(to) && IsSameFile(from, to)) {
+  if (is_file && CanNameFile(to) && IsSameEntry(from, to)) {
     return true;
   }
   DeleteFileIfPresent(to);
@@ -100,11 +113,12 @@ bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to
 }
 
 std::int64_t GetFileTime(const vemora_ustring& path) {
-  struct _stat64 status = {};
-  if (!CanNameFile(path) || _wstat64(path.c_str(), &status) != 0) {
-    return _time64(nullptr);
-  }
-  return status.st_mtime;
+  constexpr std::int64_t kTicksPerSecond = 10'000'000;
+  constexpr std::int64_t kSecondsFrom1601To1970 = 11'644'473'600;
+  const std::optional<FileState> state = GetFileState(path);
+  return state.has_value()
+             ? static_cast<std::int64_t>(state->written) / kTicksPerSecond - kSecondsFrom1601To1970
+             : _time64(nullptr);
 }
 
 vemora_ustring GetTempFolder() {

@@ -26,8 +26,10 @@ bool WriteWholeFile(const char* data, std::size_t length, const vemora_ustring& 
 /// @return false only when a file is there and could not be deleted
 bool DeleteFileIfPresent(const vemora_ustring& path);
 
-/// Puts the file `from` in place of `to`. A file moved onto itself is left alone. In all other
-/// cases what was at `to` is gone, even when the move then fails.
+/// Puts the file `from` in place of `to`. A file moved onto itself is left alone; a second name of
+/// the same file, a hard link, is another one. In all other cases the file at `to` is deleted first,
+/// and gone even when the move then fails; one that cannot be deleted, as another program has it
+/// open, stays, and so does `from`.
 bool MoveFileReplacing(const vemora_ustring& from, const vemora_ustring& to);
 
 /// Copies a file, making the folder of `to` if it is missing.
@@ -39,8 +41,8 @@ bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to
 /// path has 260 characters or more.
 vemora_ustring ResolveShortcut(const vemora_ustring& path);
 
-/// When the file was last modified, in seconds since 1970 (UTC); the current time when the path is
-/// empty or names nothing.
+/// When the file or folder was last modified, in seconds since 1970 (UTC); the current time when the
+/// path is empty or names nothing.
 std::int64_t GetFileTime(const vemora_ustring& path);
 
 /// The folder for temporary files, normalised; empty on failure.

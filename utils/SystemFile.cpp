@@ -21,6 +21,11 @@ DWORD GetAttributes(const vemora_ustring& path) {
   return CanNameFile(path) ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
 }
 
+bool EqualNoCase(const vemora_ustring& left, const vemora_ustring& right) {
+  return CompareStringOrdinal(left.c_str(), static_cast<int>(left.size()), right.c_str(),
+                              static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+}
+
 bool IsRegularFile(DWORD attributes) {
   return attributes != INVALID_FILE_ATTRIBUTES &&
          (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;

@@ -35,6 +35,9 @@ bool CanNameFile(const vemora_ustring& path);
 /// As `GetFileAttributesW`, also for what can name nothing.
 DWORD GetAttributes(const vemora_ustring& path);
 
+/// Whether paths or names are equal but for the case of letters, as file systems take it.
+bool EqualNoCase(const vemora_ustring& left, const vemora_ustring& right);
+
 /// Whether attributes are those of a file, and no folder or device.
 bool IsRegularFile(DWORD attributes);
 

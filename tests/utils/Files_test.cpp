@@ -520,10 +520,11 @@ TEST_F(MoveFileReplacingTest, LeavesAReadOnlyFileAloneThatIsMovedOntoItself) {
   EXPECT_EQ(ReadBytes(folder_ / "file"), "kept");
 }
 
-TEST_F(MoveFileReplacingTest, LosesNothingBetweenTwoNamesOfOneFile) {
+TEST_F(MoveFileReplacingTest, LeavesTheSecondOfTwoNamesOfOneFile) {
   const vemora_ustring from = Make("from", "kept");
   ASSERT_TRUE(CreateHardLinkW(In("to").c_str(), from.c_str(), nullptr));
   EXPECT_TRUE(MoveFileReplacing(from, In("to")));
+  EXPECT_FALSE(Exists(folder_ / "from"));
   EXPECT_EQ(ReadBytes(folder_ / "to"), "kept");
 }
 
@@ -764,6 +765,19 @@ TEST_F(GetFileTimeTest, TakesFolders) {
   const vemora_ustring path = MakeFolder("folder");
   SetTime(path, 1'000'000'000);
   EXPECT_EQ(GetFileTime(path), 1'000'000'000);
+}
+
+TEST_F(GetFileTimeTest, TakesFoldersWithASeparatorBehindThem) {
+  const vemora_ustring path = MakeFolder("folder");
+  SetTime(path, 1'000'000'000);
+  EXPECT_EQ(GetFileTime(path + L'\\'), 1'000'000'000);
+  EXPECT_EQ(GetFileTime(path + L'/'), 1'000'000'000);
+}
+
+TEST_F(GetFileTimeTest, TakesAPathThatTheSystemReadsAsItIs) {
+  const vemora_ustring path = Make("file");
+  SetTime(path, 1'000'000'000);
+  EXPECT_EQ(GetFileTime(LR"(\\?\)" + path), 1'000'000'000);
 }
 
 TEST_F(GetFileTimeTest, ReadsLockedFiles) {

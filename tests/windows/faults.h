@@ -89,7 +89,6 @@ inline constexpr char kMoveFileEx[] = "MoveFileExW";
 inline constexpr char kReadFile[] = "ReadFile";
 inline constexpr char kRemoveFolder[] = "RemoveDirectoryW";
 inline constexpr char kSetFileAttributes[] = "SetFileAttributesW";
-inline constexpr char kStat[] = "_wstat64";
 inline constexpr char kUnlockFile[] = "UnlockFileEx";
 inline constexpr char kWriteFile[] = "WriteFile";
 }  // namespace imports
@@ -222,10 +221,6 @@ inline Fault FolderCannotBeMade() {
 inline Fault FolderCannotBeRemoved() {
   return MakeFault<imports::kRemoveFolder, decltype(RemoveDirectoryW)>("FolderCannotBeRemoved",
                                                                        FailWith(FALSE));
-}
-
-inline Fault TimeCannotBeRead() {
-  return MakeFault<imports::kStat, decltype(_wstat64)>("TimeCannotBeRead", FailWith(-1));
 }
 
 inline Fault LibraryIsMissing() {
