@@ -16,7 +16,7 @@ const std::shared_ptr<LevelTable>& GetEmptyTable() {
 
 }  // namespace
 
-LevelMap::LevelMap() noexcept : table_(GetEmptyTable()) {}
+LevelMap::LevelMap() : table_(GetEmptyTable()) {}
 
 LevelTable& LevelMap::Own() {
   if (table_.use_count() > 1) {

@@ -12,7 +12,8 @@ class LevelTable;
 /// store and walking through it cost nothing.
 class LevelMap {
  public:
-  LevelMap() noexcept;
+  /// @throws std::bad_alloc in the first object of a process only: all empty ones share a table
+  LevelMap();
 
   const LevelTable& operator*() const { return *table_; }
   const LevelTable* operator->() const { return table_.get(); }

@@ -80,16 +80,17 @@ void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.
 
 class OutOfMemory : public ::testing::TestWithParam<Operation> {};
 
-TEST_P(OutOfMemory, LeavesTheOldStateOrTheNew) {
+/// Runs the operation with too little memory, more each time, and at last with enough.
+void ExpectTheOldStateOrTheNew(const Operation& operation) {
   FilledStore untouched;
   const std::string before = Describe(untouched);
   FilledStore done;
-  GetParam().run(done);
+  operation.run(done);
   const std::string after = Describe(done);
 
   for (int allocations = 0;; ++allocations) {
     FilledStore store;
-    const bool success = Succeeds(allocations, [&store] { GetParam().run(store); });
+    const bool success = Succeeds(allocations, [&] { operation.run(store); });
     const std::string state = Describe(store);
     if (success) {
       EXPECT_EQ(state, after);
@@ -97,6 +98,15 @@ TEST_P(OutOfMemory, LeavesTheOldStateOrTheNew) {
     }
     EXPECT_TRUE(state == before || state == after) << allocations << " allocations: " << state;
   }
+}
+
+TEST_P(OutOfMemory, LeavesTheOldStateOrTheNew) { ExpectTheOldStateOrTheNew(GetParam()); }
+
+// In this mode changes are recorded, too.
+TEST_P(OutOfMemory, LeavesTheOldStateOrTheNewInProtectedMode) {
+  SetSaveMode(ESaveMode::kProtected);
+  ExpectTheOldStateOrTheNew(GetParam());
+  SetSaveMode(ESaveMode::kRewriteInPlace);
 }
 
 const std::vector<Operation> kOperations = {
@@ -134,6 +144,21 @@ const std::vector<Operation> kOperations = {
 
 INSTANTIATE_TEST_SUITE_P(Operations, OutOfMemory, ::testing::ValuesIn(kOperations),
                          [](const auto& test) { return std::string(test.param.name); });
+
+// What all stores of a process share is made by the first one.
+TEST(OutOfMemoryInAFreshProcess, MakesNoStoreAndDoesNoHarm) {
+  for (int allocations = 0;; ++allocations) {
+    const bool success = Succeeds(allocations, [] {
+      JsonCommon store;
+      store.SetSavePrefsFlag(false, false);
+      store.WriteInt(kNewCategory, kNewKey, 1);
+    });
+    if (success) {
+      EXPECT_GT(allocations, 0);
+      break;
+    }
+  }
+}
 
 TEST(OutOfMemoryInLoad, KeepsTheClassificationOfAnEarlierLoad) {
   for (int allocations = 0;; ++allocations) {
@@ -217,14 +242,44 @@ TEST(OutOfMemoryInProtectedSave, LeavesBothFilesWholeAndTheStoreWithItsChanges) 
   EXPECT_FALSE(store.IsPreferenceSet(kOldCategory, kOldKey));
 }
 
-TEST(OutOfMemoryInProtectedSave, IsTheResult) {
+TEST(OutOfMemoryInProtectedSave, IsTheResultWhicheverAllocationFails) {
   const ScratchFolder folder;
   SetSaveMode(ESaveMode::kProtected);
   FilledStore store;
   store.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
-  EXPECT_FALSE(Succeeds(3, [&store] { store.SavePreferences(); }));
-  EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kFailed);
-  EXPECT_EQ(GetLastSaveResult().error, utils::kOutOfMemory);
+  store.SavePreferences();
+  ASSERT_EQ(GetLastSaveResult().result, ESaveResult::kSaved);
+  for (int allocations = 0; !Succeeds(allocations, [&store] { store.SavePreferences(); });
+       ++allocations) {
+    ASSERT_EQ(GetLastSaveResult().result, ESaveResult::kFailed) << allocations;
+    ASSERT_EQ(GetLastSaveResult().error, utils::kOutOfMemory) << allocations;
+    store.SavePreferences();
+    ASSERT_EQ(GetLastSaveResult().result, ESaveResult::kSaved) << allocations;
+  }
+  SetSaveMode(ESaveMode::kRewriteInPlace);
+}
+
+TEST(OutOfMemoryInDictionaries, WriteLeavesTheOldOneToTheNextSaveInProtectedMode) {
+  const ScratchFolder folder;
+  SetSaveMode(ESaveMode::kProtected);
+  Dictionary entries;
+  entries.Set("second", kNewText);
+  FilledStore saved;
+  saved.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
+  bool success = false;
+  for (int allocations = 0; !success; ++allocations) {
+    FilledStore store;
+    store.SetPaths(saved.GetPrivatePath(), saved.GetSharedPath());
+    saved.SavePreferences();
+    success = Succeeds(allocations, [&] { store.WriteDictionary("Dictionary", entries); });
+    store.SavePreferences();
+    FilledStore loaded;
+    loaded.SetPaths(saved.GetPrivatePath(), saved.GetSharedPath());
+    loaded.LoadPreferences();
+    ASSERT_EQ(loaded.ReadString("Dictionary.dictionary", "first", "none"),
+              success ? vemora_ustring("none") : kOldText)
+        << allocations;
+  }
   SetSaveMode(ESaveMode::kRewriteInPlace);
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/SaveMode.h"
@@ -422,6 +423,22 @@ TEST_F(ProtectedSave, KeepsLevelsThatTheFileDoesNotProvide) {
   EXPECT_EQ(Saved("key"), 1);
   const ShareLevelOverride first(prefs::kSharedForAllComputers);
   EXPECT_EQ(Saved("theirs"), 2);
+}
+
+/// The shared file, of which the first level may be none.
+std::string SharedFileOf(std::string_view first, int second) {
+  return R"({"Shared for All Computers": )" + std::string(first) +
+         R"(, "Windows Only": {"Category": {"key": )" + std::to_string(second) + "}}}";
+}
+
+TEST_F(ProtectedSave, KnowsWhatTheFileHeldWhenItDidNotProvideItsFirstLevel) {
+  LoadShared(SharedFileOf("{}", 1));
+  LoadShared(SharedFileOf("null", 2));
+  // As another process could, which puts the first text back.
+  WriteBytes(shared_file, SharedFileOf("{}", 1));
+  store.SavePreferences();
+  const ShareLevelOverride level(prefs::kWindowsOnly);
+  EXPECT_EQ(Saved("key"), 1);
 }
 
 TEST_F(ProtectedSave, WritesAllWhenTheFileIsGone) {

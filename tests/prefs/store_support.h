@@ -5,9 +5,12 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "empty_files.h"
 #include "prefs/JsonCommon.h"
+#include "prefs/PreferencesDefaults.h"
+#include "prefs/file_texts.h"
 #include "support.h"
 #include "utils/Variant.h"
 
@@ -29,6 +32,25 @@ class OpenStore : public JsonCommon {
   using JsonCommon::SaveSharedPreferences;
   using JsonCommon::WriteValueToMaps;
 };
+
+/// The levels that hold preferences.
+inline std::vector<unsigned> FilledLevels(const JsonCommon& store) {
+  std::vector<unsigned> levels;
+  for (unsigned level = 0; level < prefs::kShareLevelCount; ++level) {
+    if (!store.IsLevelEmpty(static_cast<EShareLevel>(level))) {
+      levels.push_back(level);
+    }
+  }
+  return levels;
+}
+
+/// Writes the number of each level to it.
+inline void WriteToEveryLevel(JsonCommon& store, const vemora_ustring& category) {
+  for (unsigned level = 0; level < prefs::kShareLevelCount; ++level) {
+    const prefs::ShareLevelOverride guard(static_cast<EShareLevel>(level));
+    store.WriteInt(category, "key", static_cast<int>(level));
+  }
+}
 
 /// A store over the two files of a folder of its own. The files are written by the test only: the
 /// store does not save itself when it goes.

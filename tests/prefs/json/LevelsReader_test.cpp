@@ -1,5 +1,8 @@
 #include "prefs/json/LevelsReader.h"
 
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -140,6 +143,56 @@ INSTANTIATE_TEST_SUITE_P(Skipped, ValueOfAFile,
                                            ValueText{"2147483648", {}},
                                            ValueText{"18446744073709551615", {}}));
 
+INSTANTIATE_TEST_SUITE_P(WholeNumberBeyond32Bits, ValueOfAFile,
+                         ::testing::Values(ValueText{"2147483648", {}},
+                                           ValueText{"-2147483649", {}},
+                                           ValueText{"4294967295", {}}, ValueText{"4294967296", {}},
+                                           ValueText{"9223372036854775808", {}},
+                                           ValueText{"-9223372036854775808", {}},
+                                           ValueText{"18446744073709551615", {}}));
+
+// The parser has no integers of that size and so reads doubles.
+INSTANTIATE_TEST_SUITE_P(
+    WholeNumberBeyond64Bits, ValueOfAFile,
+    ::testing::Values(ValueText{"18446744073709551616", 18446744073709551616.0},
+                      ValueText{"-9223372036854775809", -9223372036854775808.0},
+                      ValueText{"100000000000000000000000", 1e23}));
+
+INSTANTIATE_TEST_SUITE_P(
+    DoubleToTheLastBit, ValueOfAFile,
+    ::testing::Values(
+        ValueText{"0.1", 0.1}, ValueText{"1e23", 1e23}, ValueText{"8.41e21", 8.41e21},
+        ValueText{"9007199254740993.0", 9007199254740992.0},
+        ValueText{"9007199254740993.00000000000000000000000001", 9007199254740994.0},
+        ValueText{"2.2250738585072011e-308", 2.2250738585072011e-308},
+        ValueText{"2.2250738585072014e-308", std::numeric_limits<double>::min()},
+        ValueText{"4.9406564584124654e-324", std::numeric_limits<double>::denorm_min()},
+        ValueText{"1.7976931348623157e308", std::numeric_limits<double>::max()},
+        ValueText{"1.7976931348623158e308", std::numeric_limits<double>::max()},
+        ValueText{"0.500000000000000166533453693773481063544750213623046875", 0.5000000000000002}));
+
+INSTANTIATE_TEST_SUITE_P(DoubleTooSmallIsZero, ValueOfAFile,
+                         ::testing::Values(ValueText{"1e-400", 0.0}, ValueText{"-1e-400", -0.0},
+                                           ValueText{"1e-99999999999999999999", 0.0},
+                                           ValueText{"2e-324", 0.0}));
+
+TEST(LevelsReader, KeepsTheSignOfZero) {
+  EXPECT_TRUE(std::signbit(*Find(*ReadLevel(FileOf(R"("key": -0.0)")), "C", "key")->GetDouble()));
+}
+
+TEST(LevelsReader, ReadsNumbersOfAnyLength) {
+  const std::string zeros(5000, '0');
+  const LevelMap level =
+      ReadLevel(FileOf("\"small\": 0." + zeros + "1, \"shifted\": 0." + zeros +
+                       "25e5002, \"third\": 0." + std::string(5000, '3') + ", \"down\": 1" +
+                       zeros.substr(0, 300) + ".0e-300, \"zero\": 0." + zeros + "e-5000"));
+  EXPECT_EQ(*Find(*level, "C", "small")->GetDouble(), 0.0);
+  EXPECT_EQ(*Find(*level, "C", "shifted")->GetDouble(), 25.0);
+  EXPECT_EQ(*Find(*level, "C", "third")->GetDouble(), 1.0 / 3);
+  EXPECT_EQ(*Find(*level, "C", "down")->GetDouble(), 1.0);
+  EXPECT_EQ(*Find(*level, "C", "zero")->GetDouble(), 0.0);
+}
+
 TEST(LevelsReader, ReadsNumbersOfAnyDigitsAlikeWithMuchAndWithLittleBehindThem) {
   for (std::size_t whole = 1; whole < 20; ++whole) {
     for (std::size_t fraction = 0; fraction < 20; ++fraction) {
@@ -161,10 +214,21 @@ TEST(LevelsReader, ReadsNumbersOfAnyDigitsAlikeWithMuchAndWithLittleBehindThem) 
   }
 }
 
-TEST(LevelsReader, TakesANumberThatIsTooLargeForAMalformedFile) {
-  EXPECT_FALSE(Read(FileOf(R"("key": 2, "large": 1e309)"))[0].has_value());
-  EXPECT_FALSE(Read(R"({"0": {}, "large": -1e309})")[0].has_value());
+/// Numbers that no double can hold are malformed to the parser, and some that are zero.
+class NumberTooLarge : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(NumberTooLarge, MakesTheTextMalformed) {
+  EXPECT_FALSE(Read(FileOf("\"key\": 2, \"large\": " + GetParam()))[0].has_value());
+  EXPECT_FALSE(Read("{\"0\": {}, \"large\": " + GetParam() + "}")[0].has_value());
 }
+
+INSTANTIATE_TEST_SUITE_P(Value, NumberTooLarge,
+                         ::testing::Values("1e309", "-1e309", "1e400", "1.7976931348623159e308",
+                                           "-1.8e308", "17976931348623159e292",
+                                           "1" + std::string(400, '0'),
+                                           "1" + std::string(300, '0') + "e300",
+                                           "1e99999999999999999999", "0e309", "0.0e310",
+                                           "1" + std::string(400, '0') + "e-300"));
 
 // Duplicates
 
@@ -214,6 +278,23 @@ TEST(LevelsReader, SkipsOneByteOrderMarkOnly) {
 TEST(LevelsReader, TakesAnyWhiteSpaceBetweenTokens) {
   const LevelMap level = ReadLevel("\r\n\t {\r\n\"0\"\t:\r{ \"C\" :{\"key\"\n:\n1\r}\t}\n}\r\n \t");
   EXPECT_EQ(IntOf(*level, "C", "key"), 1);
+}
+
+TEST(LevelsReader, TakesLinesWithAsMuchAndAsLittleWhiteSpaceAsTheyLike) {
+  std::string members;
+  std::vector<std::size_t> lengths;
+  for (std::size_t first = 0; first < 36; ++first) {
+    for (const std::size_t second : {first, first, first + 1, 35 - first, std::size_t{0}}) {
+      members += (lengths.empty() ? "" : ",") +
+                 std::string(second, lengths.size() % 2 ? ' ' : '\n') + "\"" +
+                 std::to_string(lengths.size()) + "\": " + std::to_string(second);
+      lengths.push_back(second);
+    }
+  }
+  const LevelMap level = ReadLevel(FileOf(members));
+  for (std::size_t index = 0; index < lengths.size(); ++index) {
+    EXPECT_EQ(IntOf(*level, "C", std::to_string(index).c_str()), static_cast<int>(lengths[index]));
+  }
 }
 
 TEST(LevelsReader, EndsAtTheFirstZero) {

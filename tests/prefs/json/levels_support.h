@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "prefs/file_texts.h"
 #include "prefs/json/LevelsReader.h"
 #include "prefs/store/level_table_support.h"
 
@@ -28,11 +29,6 @@ inline LevelMap ReadLevel(std::string_view text) {
   LoadedLevels levels = Read(text);
   EXPECT_TRUE(levels[0].has_value()) << "nothing read from " << text;
   return levels[0].has_value() ? *levels[0] : LevelMap();
-}
-
-/// A text of one level with one category, "C".
-inline std::string FileOf(std::string_view members) {
-  return "{\"This Computer Only\": {\"C\": {" + std::string(members) + "}}}";
 }
 
 }  // namespace vemora::testing

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <utility>
 #include <vector>
 
 #include "support.h"
@@ -30,9 +29,9 @@ std::vector<Piece> Fill(Arena& arena) {
   return pieces;
 }
 
-void ExpectFilled(const Arena& arena, const std::vector<Piece>& pieces, Arena::Ref shift = 0) {
+void ExpectFilled(const Arena& arena, const std::vector<Piece>& pieces) {
   for (const Piece& piece : pieces) {
-    const auto* const bytes = static_cast<const unsigned char*>(arena.At(piece.ref + shift));
+    const auto* const bytes = static_cast<const unsigned char*>(arena.At(piece.ref));
     EXPECT_EQ(std::vector<unsigned char>(bytes, bytes + piece.size),
               std::vector<unsigned char>(piece.size, piece.fill));
   }
@@ -70,41 +69,6 @@ TEST(Arena, CountsWhatItHandedOutInWords) {
   arena.Allocate(1);
   arena.Allocate(17);
   EXPECT_EQ(arena.Used(), 8U + 24U);
-}
-
-TEST(Arena, AdoptsThePiecesOfAnother) {
-  Arena arena;
-  const std::vector<Piece> own = Fill(arena);
-  Arena other;
-  const std::vector<Piece> adopted = Fill(other);
-  const std::size_t used = arena.Used() + other.Used();
-
-  const Arena::Ref shift = arena.Adopt(std::move(other));
-  ExpectFilled(arena, own);
-  ExpectFilled(arena, adopted, shift);
-  EXPECT_EQ(arena.Used(), used);
-}
-
-TEST(Arena, IsEmptyWhenAnotherHasAdoptedItsPieces) {
-  Arena arena;
-  Arena other;
-  Fill(other);
-  arena.Adopt(std::move(other));
-  // NOLINTNEXTLINE(bugprone-use-after-move): that is what is tested
-  EXPECT_EQ(other.Used(), 0U);
-  ExpectFilled(other, Fill(other));
-}
-
-TEST(Arena, HandsOutItsOwnMemoryAfterItAdoptedAnother) {
-  Arena arena;
-  const std::vector<Piece> own = Fill(arena);
-  Arena other;
-  const std::vector<Piece> adopted = Fill(other);
-  const Arena::Ref shift = arena.Adopt(std::move(other));
-  const std::vector<Piece> later = Fill(arena);
-  ExpectFilled(arena, own);
-  ExpectFilled(arena, adopted, shift);
-  ExpectFilled(arena, later);
 }
 
 }  // namespace

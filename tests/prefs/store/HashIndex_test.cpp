@@ -1,6 +1,7 @@
 #include "prefs/store/HashIndex.h"
 
 #include <algorithm>
+#include <new>
 #include <vector>
 
 #include "support.h"
@@ -85,6 +86,77 @@ TEST_F(HashIndexOfNumbers, HasShortChainsWhenItIsFullOfHashesThatDiffer) {
   for (std::uint32_t hash = 0; hash < kCount; ++hash) {
     ASSERT_THAT(Chain(hash), ElementsAre(hash));
   }
+}
+
+/// What an index finds in an arena.
+struct NumberRecord {
+  enum Kind : std::uint32_t { kErased, kLive };
+
+  std::uint32_t hash;
+  Arena::Ref next_of_hash;
+  std::uint32_t kind;
+  int number;
+};
+
+class HashIndexOfRecords : public ::testing::Test {
+ protected:
+  static constexpr std::uint32_t kHash = 7;
+
+  NumberRecord& At(Arena::Ref ref) { return *static_cast<NumberRecord*>(arena.At(ref)); }
+
+  Arena::Ref Add(std::uint32_t hash, int number) {
+    const Arena::Ref ref = arena.Allocate(sizeof(NumberRecord));
+    new (arena.At(ref)) NumberRecord{hash, Arena::kNone, NumberRecord::kLive, number};
+    index.Add(hash, ref, At(ref).next_of_hash);
+    return ref;
+  }
+
+  /// A number is the same exactly, and for a locale when the last digit is.
+  Arena::Ref Find(std::uint32_t hash, int number) const {
+    return index.Find<NumberRecord>(arena, hash, [number](const NumberRecord& record) {
+      return record.number == number             ? ENameMatch::kExact
+             : record.number % 10 == number % 10 ? ENameMatch::kByLocale
+                                                 : ENameMatch::kNone;
+    });
+  }
+
+  Arena arena;
+  HashIndex index;
+};
+
+TEST_F(HashIndexOfRecords, FindsNothingWithoutRoom) { EXPECT_EQ(Find(kHash, 1), Arena::kNone); }
+
+TEST_F(HashIndexOfRecords, FindsNoRecordOfAnotherHash) {
+  index.Reset(1);
+  Add(1U << 31 | kHash, 1);
+  EXPECT_EQ(Find(kHash, 1), Arena::kNone);
+}
+
+TEST_F(HashIndexOfRecords, FindsTheExactRecordWhereverItStandsInTheChain) {
+  index.Reset(3);
+  const Arena::Ref first = Add(kHash, 1);
+  const Arena::Ref second = Add(kHash, 11);
+  const Arena::Ref third = Add(kHash, 21);
+  EXPECT_EQ(Find(kHash, 1), first);
+  EXPECT_EQ(Find(kHash, 11), second);
+  EXPECT_EQ(Find(kHash, 21), third);
+}
+
+TEST_F(HashIndexOfRecords, FindsTheFirstOneThatTheLocaleTakesForEqualWithoutAnExactOne) {
+  index.Reset(4);
+  Add(kHash, 2);
+  const Arena::Ref first = Add(kHash, 1);
+  Add(kHash, 11);
+  EXPECT_EQ(Find(kHash, 21), first);
+  EXPECT_EQ(Find(kHash, 3), Arena::kNone);
+}
+
+TEST_F(HashIndexOfRecords, PassesWhatIsErased) {
+  index.Reset(2);
+  const Arena::Ref erased = Add(kHash, 1);
+  const Arena::Ref later = Add(kHash, 11);
+  At(erased).kind = NumberRecord::kErased;
+  EXPECT_EQ(Find(kHash, 1), later);
 }
 
 }  // namespace

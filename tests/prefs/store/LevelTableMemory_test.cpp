@@ -1,7 +1,6 @@
 // How much memory a table takes for what it holds, whatever was done to it before.
 
 #include <string>
-#include <utility>
 
 #include "prefs/store/level_table_support.h"
 
@@ -41,18 +40,6 @@ TEST_F(LevelTableMemory, OfCategoriesThatComeAndGo) {
   for (std::size_t round = 0; round < 20'000; ++round) {
     Set(table, "C", "goes", std::string_view("a text of some length"));
     table.EraseCategory(Name(std::string_view("C")));
-  }
-}
-
-TEST_F(LevelTableMemory, OfCategoriesThatAreAdoptedAndErased) {
-  Set(table, "C", "stays", 1);
-  for (std::size_t round = 0; round < 20'000; ++round) {
-    LevelTable other;
-    Set(other, "D", "goes", 1);
-    table.Adopt(std::move(other));
-    table.EraseCategory(Name(std::string_view("D")));
-    Set(table, "C", "goes", 1);
-    Erase(table, "C", "goes");
   }
 }
 

@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "prefs/store/NameHash.h"
@@ -286,7 +285,7 @@ TEST(LevelTable, IsNotEmptyWithAnEmptyCategory) {
   EXPECT_TRUE(table.IsEmpty());
 }
 
-// Copies and adoption
+// Copies
 
 TEST(LevelTable, IsCopiedInFull) {
   LevelTable table;
@@ -310,77 +309,6 @@ TEST(LevelTable, IsCopiedWithoutWhatWasErased) {
   const LevelTable copy = table;
   EXPECT_EQ(NamesOf(copy), NamesOf(table));
   EXPECT_LT(copy.MemoryUsed(), table.MemoryUsed() * 6 / 10);
-}
-
-TEST(LevelTable, GetsACopyOfACategory) {
-  LevelTable other;
-  Set(other, "A", "k", 1);
-  Set(other, "C", "text", std::string_view("text"));
-  Set(other, "C", "int", 2);
-  LevelTable table;
-  table.CopyCategory(other, Name(std::string_view("c")));
-  EXPECT_THAT(NamesOf(table), ElementsAre("C", " int", " text"));
-  EXPECT_EQ(TextOf(table, "C", "text"), "text");
-  EXPECT_EQ(IntOf(other, "C", "int"), 2);
-}
-
-TEST(LevelTable, GetsNoCopyOfACategoryThatIsNotThere) {
-  LevelTable table;
-  table.CopyCategory(LevelTable(), Name(std::string_view("c")));
-  EXPECT_TRUE(table.IsEmpty());
-}
-
-TEST(LevelTable, AdoptsTheCategoriesOfAnother) {
-  LevelTable table;
-  const Variant letter = 'x';
-  const Variant number = 5U;
-  Set(table, "B", "own", std::string_view("own"));
-  Set(table, "B", "number", &number);
-  LevelTable other;
-  Set(other, "gone", "k", 1);
-  Set(other, "C", "gone", &letter);
-  Set(other, "C", "letter", &letter);
-  Set(other, "C", "text", std::string_view("text"));
-  Set(other, "A", "text", std::string_view("first"));
-  EraseCategory(other, "gone");
-  Erase(other, "C", "gone");
-
-  table.ReserveFor(other);
-  table.Adopt(std::move(other));
-  EXPECT_THAT(NamesOf(table),
-              ElementsAre("A", " text", "B", " number", " own", "C", " letter", " text"));
-  EXPECT_EQ(TextOf(table, "A", "text"), "first");
-  EXPECT_EQ(TextOf(table, "B", "own"), "own");
-  EXPECT_TRUE(*std::get<const Variant*>(table.GetValue(*Find(table, "C", "letter"))) == letter);
-  EXPECT_TRUE(*std::get<const Variant*>(table.GetValue(*Find(table, "B", "number"))) == number);
-  Set(table, "C", "later", 1);
-  EXPECT_TRUE(Erase(table, "C", "text"));
-  EXPECT_THAT(NamesOf(table),
-              ElementsAre("A", " text", "B", " number", " own", "C", " later", " letter"));
-}
-
-TEST(LevelTable, AdoptsIntoATableThatWasNeverWritten) {
-  LevelTable other;
-  Set(other, "C", "k", 1);
-  LevelTable table;
-  table.Adopt(std::move(other));
-  EXPECT_THAT(NamesOf(table), ElementsAre("C", " k"));
-}
-
-TEST(LevelTable, FindsAllOfALargeTableThatItAdopted) {
-  LevelTable table;
-  LevelTable other;
-  for (int number = 0; number < 10'000; ++number) {
-    const vemora_ustring key = std::to_string(number).c_str();
-    Set(table, "own", key, number);
-    Set(other, "adopted", key, -number);
-  }
-  table.Adopt(std::move(other));
-  for (int number = 0; number < 10'000; ++number) {
-    const vemora_ustring key = std::to_string(number).c_str();
-    ASSERT_EQ(*Find(table, "own", key)->GetInt(), number);
-    ASSERT_EQ(*Find(table, "adopted", key)->GetInt(), -number);
-  }
 }
 
 }  // namespace
