@@ -105,7 +105,7 @@ bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to
   if (!CanNameFile(from) || !CanNameFile(to)) {
     return false;
   }
-  const vemora_ustring folder = GetParentFolder(to);
+  const vemora_ustring folder = GetContainingFolder(to);
   if (!IsDirectory(folder)) {
     CreateDirectories(folder);
   }
@@ -124,7 +124,10 @@ std::int64_t GetFileTime(const vemora_ustring& path) {
 vemora_ustring GetTempFolder() {
   wchar_t folder[MAX_PATH] = {};
   const DWORD length = GetTempPathW(MAX_PATH, folder);
-  return length < MAX_PATH ? NormalizePath(folder) : vemora_ustring();
+  if (length >= MAX_PATH) {
+    return {};
+  }
+  return IsVerbatim(folder) ? vemora_ustring(folder) : NormalizePath(folder);
 }
 
 bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix) {
@@ -135,7 +138,7 @@ bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix) {
       GetTempFileNameW(folder.c_str(), prefix.c_str(), 0, name) == 0) {
     return false;
   }
-  prefix = NormalizePath(name);
+  prefix = IsVerbatim(name) ? vemora_ustring(name) : NormalizePath(name);
   return true;
 }
 

@@ -1,6 +1,7 @@
 /// @file
 /// Operations on whole files and folders. None throws for a failure of the file system: the result
-/// tells. Paths take both separators; a path with a zero inside names nothing.
+/// tells. Paths take both separators; a path with a zero inside names nothing. One that begins with
+/// "\\?\" goes to the system as it is, and so do the paths that are made of it.
 #pragma once
 
 #include <cstddef>
@@ -27,9 +28,9 @@ bool WriteWholeFile(const char* data, std::size_t length, const vemora_ustring& 
 bool DeleteFileIfPresent(const vemora_ustring& path);
 
 /// Puts the file `from` in place of `to`. A file moved onto itself is left alone; a second name of
-/// the same file, a hard link, is another one. In all other cases the file at `to` is deleted first,
-/// and gone even when the move then fails; one that cannot be deleted, as another program has it
-/// open, stays, and so does `from`.
+/// the same file, a hard link, is another one. In all other cases the file at `to` is deleted
+/// first, and gone even when the move then fails; one that cannot be deleted, as another program
+/// has it open, stays, and so does `from`.
 bool MoveFileReplacing(const vemora_ustring& from, const vemora_ustring& to);
 
 /// Copies a file, making the folder of `to` if it is missing.
@@ -41,8 +42,8 @@ bool CopyFileCreatingFolder(const vemora_ustring& from, const vemora_ustring& to
 /// path has 260 characters or more.
 vemora_ustring ResolveShortcut(const vemora_ustring& path);
 
-/// When the file or folder was last modified, in seconds since 1970 (UTC); the current time when the
-/// path is empty or names nothing.
+/// When the file or folder was last modified, in seconds since 1970 (UTC); the current time when
+/// the path is empty or names nothing.
 std::int64_t GetFileTime(const vemora_ustring& path);
 
 /// The folder for temporary files, normalised; empty on failure.
@@ -53,7 +54,9 @@ vemora_ustring GetTempFolder();
 bool MakeTempFileName(const vemora_ustring& folder, vemora_ustring& prefix);
 
 /// Moves a file or folder to the recycle bin without asking.
-/// @return 0, or an error code; empty paths, roots and paths with wildcards are refused
+/// @return 0, or an error code; empty paths, roots as of `RemoveFolder` and paths with wildcards
+/// are
+///         refused
 int DeleteToRecycleBin(const vemora_ustring& path);
 
 /// A logical drive: its root, such as "C:\", and the value of `GetDriveTypeW`.
@@ -67,7 +70,7 @@ std::vector<DriveInfo> ListDrives();
 
 /// Removes a folder and what it contains, read-only or not. Links inside, and a path that is itself
 /// a link, are removed as links; what they lead to stays. An empty path and the root of a drive or
-/// share are refused.
+/// share are refused, and below "\\?\GLOBALROOT\" all that can be such a root.
 /// @return whether the folder is gone
 bool RemoveFolder(const vemora_ustring& path);
 

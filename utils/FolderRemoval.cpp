@@ -19,21 +19,30 @@ struct SearchCloser {
 };
 using UniqueSearch = std::unique_ptr<void, SearchCloser>;
 
-/// Whether an absolute path is the root of a drive, a volume or a network share.
-bool IsRoot(const vemora_ustring& absolute) {
-  const bool network = absolute.compare(0, 2, LR"(\\)") == 0;
-  const vemora_ustring device(absolute.substr(0, 8));
-  const bool device_network =
-      device.CompareNoCase(LR"(\\?\UNC\)") == 0 || device.CompareNoCase(LR"(\\.\UNC\)") == 0;
-  // \\?\UNC\server\share, \\server\share or \\?\C:, and C:
-  const int root_components = device_network ? 4 : network ? 2 : 1;
+/// How many components of an absolute path can name the root of a drive, a volume or a share.
+int CountRootComponents(const vemora_ustring& absolute) {
+  if (absolute.compare(0, 2, LR"(\\)") != 0) {
+    return 1;  // C:
+  }
+  const auto has_prefix = [&absolute](const vemora_ustring& prefix) {
+    return EqualNoCase(absolute.substr(0, prefix.size()), prefix);
+  };
+  if (has_prefix(LR"(\\?\UNC\)") || has_prefix(LR"(\\.\UNC\)")) {
+    return 4;  // \\?\UNC\server\share
+  }
+  if (has_prefix(LR"(\\?\GLOBALROOT\)") || has_prefix(LR"(\\.\GLOBALROOT\)")) {
+    return 6;  // \\?\GLOBALROOT\Device\Mup\server\share is the longest
+  }
+  return 2;  // \\?\C: and \\server\share
+}
 
+bool IsRoot(const vemora_ustring& absolute) {
   int components = 0;
   for (std::size_t index = 0; index < absolute.size(); ++index) {
     const bool begins = absolute[index] != L'\\' && (index == 0 || absolute[index - 1] == L'\\');
     components += begins ? 1 : 0;
   }
-  return components <= root_components;
+  return components <= CountRootComponents(absolute);
 }
 
 /// The absolute path, without a trailing separator, of what may be removed with all its contents;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "utils/Product.h"
+#include "utils/SystemFile.h"
 #include "utils/SystemFunction.h"
 
 namespace vemora::utils {
@@ -44,10 +45,7 @@ vemora_ustring GetDocumentsFolder() { return NormalizePath(GetShellFolder(CSIDL_
 vemora_ustring GetPicturesFolder() { return GetShellFolder(CSIDL_MYPICTURES); }
 
 bool IsDirectory(const vemora_ustring& path) {
-  if (path.empty() || path.find(CodeUnit{0}) != vemora_ustring::npos) {
-    return false;
-  }
-  const DWORD attributes = GetFileAttributesW(path.c_str());
+  const DWORD attributes = GetAttributes(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
@@ -59,12 +57,12 @@ bool CreateDirectories(const vemora_ustring& path) {
     return true;
   }
   // The lengths of the ancestors to make; each ancestor is a beginning of the path.
-  const vemora_ustring folder = NormalizePath(path);
+  const vemora_ustring folder = IsVerbatim(path) ? path : NormalizePath(path);
   std::vector<std::size_t> missing;
   vemora_ustring ancestor = folder;
   do {
     missing.push_back(ancestor.size());
-    const vemora_ustring parent = GetParentFolder(ancestor);
+    const vemora_ustring parent = GetContainingFolder(ancestor);
     if (parent.empty() || parent == ancestor) {
       return false;
     }

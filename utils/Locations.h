@@ -1,6 +1,6 @@
 /// @file
-/// The folders of the user and of the host application. Paths have "/" as separator. Nothing here
-/// throws for a failure of the system: the result is false or empty.
+/// The folders of the user and of the host application. Paths have "/" as separator unless a function
+/// says otherwise. Nothing here throws for a failure of the system: the result is false or empty.
 #pragma once
 
 #include "utils/PathText.h"
@@ -22,9 +22,11 @@ vemora_ustring GetPicturesFolder();
 /// Whether there is a folder of that name.
 bool IsDirectory(const vemora_ustring& path);
 
-/// Makes a folder and its missing parents. A relative path works only below an existing folder that
-/// it names.
-/// @return whether the folder exists now
+/// Makes a folder and its missing parents; characters that Windows does not allow in names are
+/// replaced, as by `NormalizePath`. A relative path works only below an existing folder that it
+/// names.
+/// @return true when there is a folder of that very path, or when it was made; false for "x?y" when
+///         there is a folder "x_y" already
 bool CreateDirectories(const vemora_ustring& path);
 
 /// The per-user folder of a version of the host application, made if it is missing: with 18,
@@ -37,8 +39,8 @@ vemora_ustring GetPreferencesFolder(const vemora_ustring& subfolder, int version
 /// The roaming per-user folder of the current version.
 vemora_ustring GetDefaultPreferencesFolder(const vemora_ustring& subfolder);
 
-/// Where the host application is installed, as the registry of this computer has it; empty when it
-/// is not installed.
+/// Where the host application is installed, spelled and separated as the registry of this computer
+/// has it; empty when it is not installed.
 vemora_ustring GetInstallLocation();
 
 /// The folder "Parvel" below the install location; empty when there is no such location.

@@ -1,5 +1,7 @@
 #include "utils/SystemFile.h"
 
+#include "utils/PathText.h"
+
 namespace vemora::utils {
 
 const SystemError kOutOfMemory = ERROR_NOT_ENOUGH_MEMORY;
@@ -19,6 +21,17 @@ bool CanNameFile(const vemora_ustring& path) {
 
 DWORD GetAttributes(const vemora_ustring& path) {
   return CanNameFile(path) ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
+}
+
+bool IsVerbatim(const vemora_ustring& path) { return path.compare(0, 4, LR"(\\?\)") == 0; }
+
+vemora_ustring GetContainingFolder(const vemora_ustring& path) {
+  if (!IsVerbatim(path)) {
+    return GetParentFolder(path);
+  }
+  const std::size_t last = path.find_last_not_of(L'\\');
+  // With the separator, without which a drive or volume is no folder.
+  return path.substr(0, path.find_last_of(L'\\', last) + 1);
 }
 
 bool EqualNoCase(const vemora_ustring& left, const vemora_ustring& right) {

@@ -35,6 +35,14 @@ bool CanNameFile(const vemora_ustring& path);
 /// As `GetFileAttributesW`, also for what can name nothing.
 DWORD GetAttributes(const vemora_ustring& path);
 
+/// Whether a path begins with "\\?\", behind which the system takes every character as it is. The
+/// rules of `NormalizePath` would make another path of it.
+bool IsVerbatim(const vemora_ustring& path);
+
+/// The folder that a path lies in: as `GetParentFolder` gives it, but of a verbatim path a verbatim
+/// one.
+vemora_ustring GetContainingFolder(const vemora_ustring& path);
+
 /// Whether paths or names are equal but for the case of letters, as file systems take it.
 bool EqualNoCase(const vemora_ustring& left, const vemora_ustring& right);
 

@@ -16,6 +16,7 @@
 
 #include "faults.h"
 #include "utils/Locations.h"
+#include "utils/ProtectedFiles.h"
 #include "utils/folder_link.h"
 
 namespace {
@@ -541,6 +542,11 @@ TEST_F(CopyFileCreatingFolderTest, MakesTheFoldersFirst) {
   EXPECT_EQ(ReadBytes(folder_ / "a/b/c/to"), "new");
 }
 
+TEST_F(CopyFileCreatingFolderTest, MakesTheFoldersOfAPathThatTheSystemReadsAsItIs) {
+  EXPECT_TRUE(CopyFileCreatingFolder(Make("from", "new"), LR"(\\?\)" + In("a\\b\\to"), true));
+  EXPECT_EQ(ReadBytes(folder_ / "a/b/to"), "new");
+}
+
 TEST_F(CopyFileCreatingFolderTest, ReplacesAnExistingFileUnlessThatIsAFailure) {
   EXPECT_TRUE(CopyFileCreatingFolder(Make("from", "new"), Make("to", "old"), false));
   EXPECT_EQ(ReadBytes(folder_ / "to"), "new");
@@ -829,6 +835,11 @@ TEST_F(GetTempFolderTest, FollowsTheEnvironment) {
   EXPECT_EQ(GetTempFolder(), NormalizePath(In(kNonAscii.c_str())));
 }
 
+TEST_F(GetTempFolderTest, IsAPathThatTheSystemReadsAsItIsWhereTheEnvironmentHasOne) {
+  SetEnvironmentVariableW(L"TMP", (LR"(\\?\)" + MakeFolder("temporary")).c_str());
+  EXPECT_TRUE(IsDirectory(GetTempFolder())) << GetTempFolder().ToUtf8();
+}
+
 TEST_F(GetTempFolderTest, IsEmptyWhenItIsTooLong) {
   const vemora_ustring folder = L"C:\\" + vemora_ustring(300, L'x');
   SetEnvironmentVariableW(L"TMP", folder.c_str());
@@ -849,6 +860,12 @@ TEST_F(MakeTempFileNameTest, GivesANormalizedPath) {
   vemora_ustring name = L"abc";
   ASSERT_TRUE(MakeTempFileName(ToText(folder_.path()) + L"\\", name));
   EXPECT_EQ(name, NormalizePath(name));
+}
+
+TEST_F(MakeTempFileNameTest, NamesTheFileInAFolderWhosePathTheSystemReadsAsItIs) {
+  vemora_ustring name = L"abc";
+  ASSERT_TRUE(MakeTempFileName(LR"(\\?\)" + ToText(folder_.path()), name));
+  EXPECT_TRUE(FileExists(name)) << name.ToUtf8();
 }
 
 TEST_F(MakeTempFileNameTest, BeginsTheNameWithThreeCharactersOfThePrefix) {
@@ -990,6 +1007,16 @@ TEST_F(DeleteToRecycleBinTest, RefusesTheRootOfADrive) {
   for (const wchar_t* root : {L"Q:", L"Q:\\", L"Q:/", L"Q:\\kept\\..", L"\\\\.\\Q:\\"}) {
     EXPECT_NE(DeleteToRecycleBin(root), 0) << Path(root);
     ASSERT_TRUE(Exists(drive.file())) << Path(root);
+  }
+}
+
+// The shell, which would say something else, is not even asked.
+TEST_F(DeleteToRecycleBinTest, RefusesWhatMayBeARootOfTheSystemsOwnNames) {
+  for (const wchar_t* const root :
+       {LR"(\\?\GLOBALROOT\Device\HarddiskVolume1\)", LR"(\\?\globalroot\Device\HarddiskVolume1)",
+        LR"(\\?\GLOBALROOT\Device\Harddisk0\Partition1\)", LR"(\\?\GLOBALROOT\??\C:\)",
+        LR"(\\.\GLOBALROOT\DosDevices\C:\)", LR"(\\?\GLOBALROOT\Device\Mup\server\share\)"}) {
+    EXPECT_EQ(DeleteToRecycleBin(root), ERROR_INVALID_NAME) << Path(root);
   }
 }
 

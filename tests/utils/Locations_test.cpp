@@ -212,6 +212,24 @@ TEST_F(CreateDirectoriesTest, ReplacesAZero) {
   EXPECT_FALSE(Exists(folder_ / "a"));
 }
 
+TEST_F(CreateDirectoriesTest, MakesAPathThatTheSystemReadsAsItIs) {
+  EXPECT_TRUE(CreateDirectories(LR"(\\?\)" + In("a\\b\\c")));
+  EXPECT_TRUE(std::filesystem::is_directory(folder_ / "a" / "b" / "c"));
+  EXPECT_TRUE(CreateDirectories(LR"(\\?\)" + In("d\\e") + L'\\'));
+  EXPECT_TRUE(std::filesystem::is_directory(folder_ / "d" / "e"));
+}
+
+TEST_F(CreateDirectoriesTest, FailsForARootThatTheSystemReadsAsItIsAndThatCannotBeMade) {
+  EXPECT_FALSE(CreateDirectories(LR"(\\?\Q:\folder)"));
+  EXPECT_FALSE(CreateDirectories(LR"(\\?\)"));
+}
+
+TEST_F(CreateDirectoriesTest, TellsOfAPathWithCharactersThatItReplacesWhetherItMadeTheFolder) {
+  EXPECT_TRUE(CreateDirectories(In("") + L"x?y"));
+  EXPECT_TRUE(std::filesystem::is_directory(folder_ / "x_y"));
+  EXPECT_FALSE(CreateDirectories(In("") + L"x?y"));
+}
+
 TEST_F(CreateDirectoriesTest, WorksBelowARelativeFolderThatExists) {
   MakeFolder("a");
   const CurrentFolder current(folder_.path());
