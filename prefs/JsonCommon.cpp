@@ -102,7 +102,7 @@ void JsonCommon::DeletePreference(const vemora_ustring& category, const vemora_u
   const Names names(category, key);
   const EShareLevel level = LevelOf(names);
   if (RecordsChanges()) {
-    changes->NoteChange(level, names.pair);
+    changes->NoteDeletion(level, names.pair);
   }
   if (levels[level]->Find(names.pair) != nullptr) {
     levels[level].Own().Erase(names.pair);
@@ -294,7 +294,7 @@ void JsonCommon::Store(const Names& names, const Value& value) {
     return;
   }
   if (RecordsChanges()) {
-    changes->NoteChange(level, names.pair);
+    changes->NoteWrite(level, names.pair);
   }
   levels[level].Own().Set(names.pair, value);
   SetChanged();

@@ -122,7 +122,9 @@ void JsonCommon::LoadLevelData() { levelData = MakeKnownLevels(); }
 void JsonCommon::LoadSharedPreferences() { TakeShared(std::move(Load({SharedFile()}).front())); }
 
 void JsonCommon::LoadPrivatePreferences() {
-  Take(std::move(Load({PrivateFile()}).front()), PrivateFile());
+  // The file is asked for anew after the load, which may be what makes the record of its changes.
+  std::vector<LoadedFile> loaded = Load({PrivateFile()});
+  Take(std::move(loaded.front()), PrivateFile());
 }
 
 void JsonCommon::SaveSharedPreferences() {

@@ -35,17 +35,26 @@ struct JsonCommon::Changes {
   explicit Changes(bool everything)
       : shared_file(kSharedLevels, everything), private_file(1, everything) {}
 
-  void NoteChange(EShareLevel level, const NamePair& names) {
-    if (level == kThisComputerOnly) {
-      private_file.NoteChange(0, names);
-    } else {
-      shared_file.NoteChange(level - kSharedForAllComputers, names);
-    }
+  void NoteWrite(EShareLevel level, const NamePair& names) {
+    FileOf(level).NoteWrite(PlaceOf(level), names);
+  }
+
+  void NoteDeletion(EShareLevel level, const NamePair& names) {
+    FileOf(level).NoteDeletion(PlaceOf(level), names);
   }
 
   void NoteErasedCategory(const Name& name) {
     shared_file.NoteErasedCategory(name);
     private_file.NoteErasedCategory(name);
+  }
+
+  ChangeLog& FileOf(EShareLevel level) {
+    return level == kThisComputerOnly ? private_file : shared_file;
+  }
+
+  /// Of a level in its file.
+  static std::size_t PlaceOf(EShareLevel level) {
+    return level == kThisComputerOnly ? 0 : level - kSharedForAllComputers;
   }
 
   ChangeLog shared_file;

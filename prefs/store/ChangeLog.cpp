@@ -7,6 +7,10 @@ namespace vemora::prefs {
 
 namespace {
 
+/// What is noted of a preference.
+constexpr bool kWritten = false;
+constexpr bool kDeleted = true;  // and perhaps written later
+
 /// Calls `function` with each preference and its category.
 template <typename Function>
 void ForEachPreference(const LevelTable& table, Function function) {
@@ -25,8 +29,15 @@ ChangeLog::ChangeLog(std::size_t levels, bool everything) : levels_(levels) {
   }
 }
 
-void ChangeLog::NoteChange(std::size_t level, const NamePair& names) {
-  levels_[level].preferences.Own().Set(names, true);
+void ChangeLog::NoteWrite(std::size_t level, const NamePair& names) {
+  LevelMap& noted = levels_[level].preferences;
+  if (noted->Find(names) == nullptr) {
+    noted.Own().Add(names, kWritten);
+  }
+}
+
+void ChangeLog::NoteDeletion(std::size_t level, const NamePair& names) {
+  levels_[level].preferences.Own().Set(names, kDeleted);
 }
 
 void ChangeLog::NoteErasedCategory(const Name& name) {
@@ -52,15 +63,21 @@ void ChangeLog::ApplyTo(LevelTable& theirs, std::size_t level, const LevelTable&
   for (const CategoryRecord* category : changes.erased_categories->GetCategories()) {
     theirs.EraseCategory(Name(category->Name()));
   }
-  ForEachPreference(*changes.preferences,
-                    [&](const CategoryRecord& category, const PreferenceRecord& changed) {
-                      const NamePair names(category.Name(), changed.Name());
-                      if (const PreferenceRecord* const preference = own.Find(names)) {
-                        theirs.Set(names, own.GetValue(*preference));
-                      } else {
-                        theirs.Erase(names);
-                      }
-                    });
+  const auto& changed = *changes.preferences;
+  ForEachPreference(changed, [&](const CategoryRecord& category, const PreferenceRecord& noted) {
+    const NamePair names(category.Name(), noted.Name());
+    if (*noted.GetBool() == kDeleted) {
+      theirs.Erase(names);
+    }
+  });
+  ForEachPreference(changed, [&](const CategoryRecord& category, const PreferenceRecord& noted) {
+    const NamePair names(category.Name(), noted.Name());
+    if (const PreferenceRecord* const preference = own.Find(names)) {
+      // It may have been noted in another spelling, before it was deleted.
+      const CategoryRecord& own_category = *own.FindCategory(names.category);
+      theirs.Set({own_category.Name(), preference->Name()}, own.GetValue(*preference));
+    }
+  });
   // What no file can hold is in none, and must not be lost by taking another process's values.
   ForEachPreference(own, [&](const CategoryRecord& category, const PreferenceRecord& preference) {
     const StoredValue value = own.GetValue(preference);

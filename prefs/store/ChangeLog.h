@@ -24,7 +24,8 @@ class ChangeLog {
 
   /// To be called before the store changes.
   /// @{
-  void NoteChange(std::size_t level, const NamePair& names);
+  void NoteWrite(std::size_t level, const NamePair& names);
+  void NoteDeletion(std::size_t level, const NamePair& names);
   void NoteErasedCategory(const Name& name);
   /// @}
 
@@ -46,7 +47,7 @@ class ChangeLog {
 
  private:
   struct Changes {
-    LevelMap preferences;        // their values say nothing
+    LevelMap preferences;        // whether they were deleted
     LevelMap erased_categories;  // without preferences
     bool everything = false;
   };

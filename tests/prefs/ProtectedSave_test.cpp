@@ -363,6 +363,37 @@ TEST_F(ProtectedSaveOfACommonPreference, MakesChangesThatWereMadeInTheOtherMode)
   EXPECT_EQ(Saved("theirs"), 20);
 }
 
+TEST_F(ProtectedSaveOfACommonPreference, TakesTheirsIfThisProcessLoadedThePrivateFileOnly) {
+  OpenStore opened;
+  opened.SetPaths(ToText(private_file), ToText(shared_file));
+  opened.SetSavePrefsFlag(false, false);
+  opened.LoadPrivatePreferences();
+  opened.WriteInt("Category", "own", 3);
+  other.WriteInt("Category", "key", 20);
+  SaveBoth(other, opened);
+  EXPECT_EQ(Saved("key"), 20);
+  EXPECT_EQ(Saved("own"), 3);
+}
+
+TEST_F(ProtectedSaveOfACommonPreference, AddsANameAsItWasWrittenNotAsItWasDeleted) {
+  store.DeletePreference("Category", "NEW");
+  store.WriteInt("Category", "New", 3);
+  other.WriteInt("Category", "theirs", 20);
+  SaveBoth(other, store);
+  EXPECT_THAT(ReadBytes(private_file), ::testing::HasSubstr("\"New\": 3"));
+}
+
+TEST_F(ProtectedSaveOfACommonPreference, DeletesBeforeItWrites) {
+  store.DeleteCategory("Category");
+  store.WriteInt("Single", "key", 3);
+  SaveBoth(store, other);
+  store.DeletePreference("SINGLE", "key");
+  store.WriteInt("SINGLE", "another", 4);
+  other.WriteInt("Category", "theirs", 20);
+  SaveBoth(other, store);
+  EXPECT_THAT(ReadBytes(private_file), ::testing::HasSubstr("\"SINGLE\""));
+}
+
 TEST_F(ProtectedSaveOfACommonPreference, KeepsChangesOfACopyOfTheStore) {
   OpenStore copy = store;
   copy.WriteInt("Category", "copied", 3);
