@@ -23,6 +23,10 @@ enum class ESaveMode {
   ///  - A malformed file is kept beside the new one before it is overwritten, as "name.bad", older
   ///    ones as "name.bad.2" to "name.bad.5".
   ///  - A file that cannot be read does not count as missing, and is never overwritten.
+  ///  - A file whose text would not change is not written.
+  ///
+  /// All programs that share files must use one mode. One that saves in place takes no lock: it loses
+  /// changes of the others, and its own.
   kProtected
 };
 
@@ -36,11 +40,17 @@ enum class ESaveResult {
 
 struct SaveResult {
   ESaveResult result = ESaveResult::kNotSaved;
-  /// Why the save failed, as the system numbers errors; else 0.
+  /// Why the save failed, as the system numbers errors; else 0. Among them: 87 (invalid parameter)
+  /// when both paths lead to one file, of which nothing is touched then; 33 (lock violation) when
+  /// another process kept the lock; 1006 (file invalid) when a program that takes no lock wrote a
+  /// file again and again during the save.
   std::uint32_t error = 0;
 };
 
 /// Holds for every later load and save of the JSON back end, whether or not it was made already.
+/// Set it before the first load. Of changes that a store made in place and never saved, a protected
+/// save knows only that there are some: all that the store holds then wins over what others saved,
+/// and what it deleted comes back if a file still has it.
 /// @param mode how files are loaded and saved from now on
 /// @param lockWait how long a protected save waits for those of other processes before it fails
 COMMONPREFERENCES_API void SetSaveMode(
