@@ -26,12 +26,12 @@ class ChangeLogTest : public ::testing::Test {
   static constexpr std::size_t kLevel = 1;
 
   void Write(const vemora_ustring& category, const vemora_ustring& key, const StoredValue& value) {
-    log.NoteChange(kLevel, {category, key});
+    log.NoteWrite(kLevel, {category, key});
     Set(own, category, key, value);
   }
 
   void Delete(const vemora_ustring& category, const vemora_ustring& key) {
-    log.NoteChange(kLevel, {category, key});
+    log.NoteDeletion(kLevel, {category, key});
     Erase(own, category, key);
   }
 
