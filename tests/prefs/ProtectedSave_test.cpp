@@ -162,19 +162,23 @@ TEST_F(ProtectedSave, WithOnePathSavesThatFile) {
 
 // --- files that need no writing, and paths that make no sense ----------------------------------
 
-/// A time that no save gives a file.
-const std::filesystem::file_time_type kLongAgo =
-    std::filesystem::file_time_type::clock::now() - std::chrono::hours(1000);
+/// Gives a file a time that no save gives it.
+/// @return the time as the file system keeps it
+std::filesystem::file_time_type Age(const std::filesystem::path& file) {
+  const auto now = std::filesystem::file_time_type::clock::now();
+  std::filesystem::last_write_time(file, now - std::chrono::hours(1000));
+  return std::filesystem::last_write_time(file);
+}
 
 TEST_F(ProtectedSave, DoesNotWriteAFileThatWouldNotChange) {
   store.SavePreferences();
-  std::filesystem::last_write_time(private_file, kLongAgo);
-  std::filesystem::last_write_time(shared_file, kLongAgo);
+  const auto private_time = Age(private_file);
+  const auto shared_time = Age(shared_file);
   store.WriteInt("Category", "key", 1);
   store.SavePreferences();
   EXPECT_EQ(GetLastSaveResult().result, ESaveResult::kSaved);
-  EXPECT_NE(std::filesystem::last_write_time(private_file), kLongAgo);
-  EXPECT_EQ(std::filesystem::last_write_time(shared_file), kLongAgo);
+  EXPECT_NE(std::filesystem::last_write_time(private_file), private_time);
+  EXPECT_EQ(std::filesystem::last_write_time(shared_file), shared_time);
 }
 
 TEST_F(ProtectedSave, MergesAfterASaveThatWroteNothing) {
