@@ -145,6 +145,24 @@ TEST_P(JsonLocaleSetAfterTheLoad, LetsPreferencesBeDeleted) {
   EXPECT_EQ(ValueAfterARestart(KeyOf(8)), -1);
 }
 
+TEST_P(JsonLocaleSetAfterTheLoad, LetsAllNewValuesOfAnAsciiCategoryWinAfterARestart) {
+  OpenStore written;
+  std::setlocale(LC_ALL, "C");
+  Reload(written);
+  for (int number = 0; number < kCount; ++number) {
+    written.WriteInt("Materials", KeyOf(number), number);
+  }
+  ChangeToAnotherLocale();
+  for (int number = 0; number < kCount; ++number) {
+    written.WriteInt("Materials", KeyOf(number), 100 + number);
+  }
+  written.SavePrivatePreferences();
+  store.LoadPrivatePreferences();
+  for (int number = 0; number < kCount; ++number) {
+    EXPECT_EQ(store.ReadInt("Materials", KeyOf(number), -1), 100 + number);
+  }
+}
+
 /// Two keys that are equal in the locale that the host sets, and were not before.
 class JsonLocaleThatMakesNamesEqual : public JsonLocale {
  protected:

@@ -81,7 +81,8 @@ void PrintTo(const Operation& operation, std::ostream* out) { *out << operation.
 class OutOfMemory : public ::testing::TestWithParam<Operation> {};
 
 /// Runs the operation with too little memory, more each time, and at last with enough.
-void ExpectTheOldStateOrTheNew(const Operation& operation) {
+/// @param mode of the operation; the store is filled before
+void ExpectTheOldStateOrTheNew(const Operation& operation, ESaveMode mode) {
   FilledStore untouched;
   const std::string before = Describe(untouched);
   FilledStore done;
@@ -90,7 +91,9 @@ void ExpectTheOldStateOrTheNew(const Operation& operation) {
 
   for (int allocations = 0;; ++allocations) {
     FilledStore store;
+    SetSaveMode(mode);
     const bool success = Succeeds(allocations, [&] { operation.run(store); });
+    SetSaveMode(ESaveMode::kRewriteInPlace);
     const std::string state = Describe(store);
     if (success) {
       EXPECT_EQ(state, after);
@@ -100,13 +103,13 @@ void ExpectTheOldStateOrTheNew(const Operation& operation) {
   }
 }
 
-TEST_P(OutOfMemory, LeavesTheOldStateOrTheNew) { ExpectTheOldStateOrTheNew(GetParam()); }
+TEST_P(OutOfMemory, LeavesTheOldStateOrTheNew) {
+  ExpectTheOldStateOrTheNew(GetParam(), ESaveMode::kRewriteInPlace);
+}
 
 // In this mode changes are recorded, too.
 TEST_P(OutOfMemory, LeavesTheOldStateOrTheNewInProtectedMode) {
-  SetSaveMode(ESaveMode::kProtected);
-  ExpectTheOldStateOrTheNew(GetParam());
-  SetSaveMode(ESaveMode::kRewriteInPlace);
+  ExpectTheOldStateOrTheNew(GetParam(), ESaveMode::kProtected);
 }
 
 const std::vector<Operation> kOperations = {
@@ -128,6 +131,14 @@ const std::vector<Operation> kOperations = {
     {"LoadWithoutFiles", [](JsonCommon& s) { s.LoadPreferences(); }},
     {"WriteDictionary",
      [](JsonCommon& s) {
+       Dictionary entries;
+       entries.Set("first", kNewText);
+       entries.Set("second", kNewText);
+       s.WriteDictionary("Dictionary", entries);
+     }},
+    {"WriteDictionaryToALevelThatIsEmpty",
+     [](JsonCommon& s) {
+       const ShareLevelOverride level(kMacOnly);
        Dictionary entries;
        entries.Set("first", kNewText);
        entries.Set("second", kNewText);
@@ -261,26 +272,27 @@ TEST(OutOfMemoryInProtectedSave, IsTheResultWhicheverAllocationFails) {
 
 TEST(OutOfMemoryInDictionaries, WriteLeavesTheOldOneToTheNextSaveInProtectedMode) {
   const ScratchFolder folder;
-  SetSaveMode(ESaveMode::kProtected);
   Dictionary entries;
   entries.Set("second", kNewText);
-  FilledStore saved;
-  saved.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
   bool success = false;
   for (int allocations = 0; !success; ++allocations) {
     FilledStore store;
-    store.SetPaths(saved.GetPrivatePath(), saved.GetSharedPath());
-    saved.SavePreferences();
-    success = Succeeds(allocations, [&] { store.WriteDictionary("Dictionary", entries); });
+    store.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
     store.SavePreferences();
-    FilledStore loaded;
-    loaded.SetPaths(saved.GetPrivatePath(), saved.GetSharedPath());
+    SetSaveMode(ESaveMode::kProtected);
+    success = Succeeds(allocations, [&] {
+      const ShareLevelOverride level(kMacOnly);
+      store.WriteDictionary("Dictionary", entries);
+    });
+    store.SavePreferences();
+    SetSaveMode(ESaveMode::kRewriteInPlace);
+    JsonCommon loaded;
+    loaded.SetPaths(store.GetPrivatePath(), store.GetSharedPath());
     loaded.LoadPreferences();
     ASSERT_EQ(loaded.ReadString("Dictionary.dictionary", "first", "none"),
               success ? vemora_ustring("none") : kOldText)
         << allocations;
   }
-  SetSaveMode(ESaveMode::kRewriteInPlace);
 }
 
 TEST(OutOfMemoryInDictionaries, ReadGivesTheWholeEntryOrNone) {

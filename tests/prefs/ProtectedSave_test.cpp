@@ -467,10 +467,11 @@ std::string SharedFileOf(std::string_view first, int second) {
 }
 
 TEST_F(ProtectedSave, KnowsWhatTheFileHeldWhenItDidNotProvideItsFirstLevel) {
-  LoadShared(SharedFileOf("{}", 1));
+  const std::string first_text = SharedFileOf(R"({"Category": {"key": 0}})", 1);
+  LoadShared(first_text);
   LoadShared(SharedFileOf("null", 2));
   // As another process could, which puts the first text back.
-  WriteBytes(shared_file, SharedFileOf("{}", 1));
+  WriteBytes(shared_file, first_text);
   store.SavePreferences();
   const ShareLevelOverride level(prefs::kWindowsOnly);
   EXPECT_EQ(Saved("key"), 1);
