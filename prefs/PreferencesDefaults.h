@@ -23,7 +23,8 @@ COMMONPREFERENCES_API bool GetDefaultOverwriteFlag();
 /// Guards nest; destroy them in the reverse order of their creation.
 class COMMONPREFERENCES_API ShareLevelOverride {
  public:
-  explicit ShareLevelOverride(EShareLevel level);
+  /// To be kept under a name; without one the guard would be gone at once.
+  COMMONPREFERENCES_NODISCARD explicit ShareLevelOverride(EShareLevel level);
   ShareLevelOverride(const ShareLevelOverride&) = default;
   /// Takes over the level that `other` will restore; the current default stays.
   ShareLevelOverride& operator=(const ShareLevelOverride& other) = default;
@@ -40,7 +41,8 @@ class COMMONPREFERENCES_API ShareLevelOverride {
 ///     preferences.WriteInt(L"My Plugin", L"Runs", 0);  // only if there is no value yet
 class COMMONPREFERENCES_API OverwriteOverride {
  public:
-  explicit OverwriteOverride(bool overwrite);
+  /// To be kept under a name; without one the guard would be gone at once.
+  COMMONPREFERENCES_NODISCARD explicit OverwriteOverride(bool overwrite);
   OverwriteOverride(const OverwriteOverride&) = default;
   /// Takes over the flag that `other` will restore; the current default stays.
   OverwriteOverride& operator=(const OverwriteOverride& other) = default;

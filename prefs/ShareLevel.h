@@ -2,7 +2,6 @@
 /// The share levels of preferences: which computers a preference is meant for.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -36,7 +35,20 @@ enum EPrefsBits : std::uint32_t {
   kAllPrefs = 127
 };
 
-/// The display names of levels 0 to 6, which are also their names in the preference files.
-extern const std::array<vemora_ustring, kShareLevelCount> kShareLevelNames;
+/// The display names of levels 0 to 6, which are also their names in the preference files. They can
+/// be read at any time, by what runs before `main` as well.
+class ShareLevelNames {
+ public:
+  using value_type = vemora_ustring;
+  using const_iterator = const vemora_ustring*;
+  using iterator = const_iterator;
+
+  const vemora_ustring& operator[](std::size_t level) const { return begin()[level]; }
+  constexpr std::size_t size() const { return kShareLevelCount; }
+  const_iterator begin() const;
+  const_iterator end() const { return begin() + size(); }
+};
+
+inline constexpr ShareLevelNames kShareLevelNames{};
 
 }  // namespace vemora::prefs

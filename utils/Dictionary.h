@@ -38,7 +38,7 @@ class Dictionary {
   /// The entry of that name, or `end()`. Names are case-sensitive here.
   Values::const_iterator Find(const vemora_ustring& key) const { return values.find(key); }
   std::size_t Size() const noexcept { return values.size(); }
-  bool Empty() const noexcept { return values.empty(); }
+  [[nodiscard]] bool Empty() const noexcept { return values.empty(); }
   void Clear() noexcept { values.clear(); }
   Values::const_iterator begin() const noexcept { return values.begin(); }
   Values::const_iterator end() const noexcept { return values.end(); }

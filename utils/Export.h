@@ -19,3 +19,13 @@
 #define COMMONPREFERENCES_TEMPLATE_DECLARE COMMONPREFERENCES_API
 #define COMMONPREFERENCES_TEMPLATE_DEFINE
 #endif
+
+// Before a constructor: what is constructed must not be thrown away. Earlier compilers than these
+// know the attribute, but warn that it cannot stand there.
+#if (defined(__clang__) && __clang_major__ >= 10) ||                \
+    (!defined(__clang__) && defined(__GNUC__) && __GNUC__ >= 10) || \
+    (defined(_MSC_VER) && _MSC_VER >= 1924)
+#define COMMONPREFERENCES_NODISCARD [[nodiscard]]
+#else
+#define COMMONPREFERENCES_NODISCARD
+#endif

@@ -1,6 +1,7 @@
 /// @file
-/// The folders of the user and of the host application. Paths have "/" as separator unless a function
-/// says otherwise. Nothing here throws for a failure of the system: the result is false or empty.
+/// The folders of the user and of the host application. Paths have "/" as separator unless a
+/// function says otherwise. Nothing here throws for a failure of the system: the result is false or
+/// empty.
 #pragma once
 
 #include "utils/PathText.h"

@@ -11,18 +11,18 @@ namespace vemora::utils {
 /// "file://", "smb://", a drive, and the first character stay as they are. "/" becomes empty.
 ///
 ///     NormalizePath(LR"(C:\a\\b\)");  // C:/a/b
-vemora_ustring NormalizePath(const vemora_ustring& path);
+[[nodiscard]] vemora_ustring NormalizePath(const vemora_ustring& path);
 
 /// Both parts with one "/" between them, or `second` alone when `first` is empty; normalised.
-vemora_ustring JoinPath(const vemora_ustring& first, const vemora_ustring& second);
+[[nodiscard]] vemora_ustring JoinPath(const vemora_ustring& first, const vemora_ustring& second);
 
 /// The drive and folder of a path, normalised; empty for a bare name.
-vemora_ustring GetParentFolder(const vemora_ustring& path);
+[[nodiscard]] vemora_ustring GetParentFolder(const vemora_ustring& path);
 
 /// The last component of a path, without its extension unless asked for.
-vemora_ustring GetFileName(const vemora_ustring& path, bool withExtension);
+[[nodiscard]] vemora_ustring GetFileName(const vemora_ustring& path, bool withExtension);
 
 /// What stands from the last dot of the last component on, the dot included; empty without a dot.
-vemora_ustring GetFileExtension(const vemora_ustring& path);
+[[nodiscard]] vemora_ustring GetFileExtension(const vemora_ustring& path);
 
 }  // namespace vemora::utils

@@ -24,14 +24,15 @@ bool FileExists(const vemora_ustring& path);
 /// Reads a file that others may rewrite or replace before or after, not while it is read. One that
 /// another program holds is tried again, 5 times in all, 100 ms apart.
 /// @throws std::bad_alloc when the file does not fit into memory
-FileBytes ReadFileBytes(const vemora_ustring& path);
+[[nodiscard]] FileBytes ReadFileBytes(const vemora_ustring& path);
 
 /// Writes a file anew and waits until the disk has it. After a failure a part may be there.
-SystemError WriteFileFlushed(const vemora_ustring& path, std::string_view bytes);
+[[nodiscard]] SystemError WriteFileFlushed(const vemora_ustring& path, std::string_view bytes);
 
 /// Puts the file `from` in place of `to`, at once: at any instant `to` is the whole old or the
 /// whole new file, also if the power fails. The new one is as read-only and as hidden as the old
 /// one was. Tried 5 times, 100 ms apart, as virus scanners hold files for moments.
-SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustring& to);
+[[nodiscard]] SystemError ReplaceFileAtomically(const vemora_ustring& from,
+                                                const vemora_ustring& to);
 
 }  // namespace vemora::utils

@@ -1,14 +1,14 @@
 /// @file
-/// Makes an instance of a class on first use and deletes it when the process ends in an orderly way.
-/// Unguarded: used from one thread.
+/// Makes an instance of a class on first use and deletes it when the process ends in an orderly
+/// way. Unguarded: used from one thread.
 #pragma once
 
 #include <cstdlib>
 
 namespace vemora::utils {
 
-/// Base of a class T of which each library or program that instantiates this template has at most one
-/// instance, as long as nobody but `Get` makes any.
+/// Base of a class T of which each library or program that instantiates this template has at most
+/// one instance, as long as nobody but `Get` makes any.
 ///
 /// T derives from `Singleton<T>`, names it a friend and keeps its own constructor private:
 ///
@@ -24,8 +24,8 @@ class Singleton {
   Singleton& operator=(const Singleton&) = delete;
 
   /// The instance, made when there is none. `Destroy` deletes it, or an exit hook does when the
-  /// process ends by `exit` or a return from `main`, or when the library that made it is unloaded. A
-  /// process that is killed, or a system that takes no more hooks, leaves it.
+  /// process ends by `exit` or a return from `main`, or when the library that made it is unloaded.
+  /// A process that is killed, or a system that takes no more hooks, leaves it.
   /// @throws std::bad_alloc when it cannot be made; the next call tries again
   static T& Get();
 

@@ -47,14 +47,14 @@ class vemora_ustring : public std::basic_string<CodeUnit> {
 
   /// Decodes UTF-8; the exact inverse of `ToUtf8`, so the 3-byte form of a lone surrogate gives
   /// that surrogate back. Each maximal subpart of an ill-formed sequence becomes one U+FFFD.
-  static vemora_ustring FromUtf8(std::string_view utf8);
+  [[nodiscard]] static vemora_ustring FromUtf8(std::string_view utf8);
 
   /// The text as UTF-8. Never fails: a lone surrogate becomes its own 3-byte sequence.
-  std::string ToUtf8() const;
+  [[nodiscard]] std::string ToUtf8() const;
 
   /// The text, up to its first zero, in the multibyte encoding of the current C locale; empty when
   /// a character cannot be encoded.
-  std::string ToStdString() const;
+  [[nodiscard]] std::string ToStdString() const;
 
   /// Maps each code unit in place with the C library's `towlower`/`towupper`; surrogates stay.
   vemora_ustring& ToLower();

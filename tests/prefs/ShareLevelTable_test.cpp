@@ -90,6 +90,14 @@ TEST(ShareLevelNames, AreInTheOrderOfTheLevels) {
                              "Mac Only", "Web Only", "iOS Only", "Android Only"));
 }
 
+#ifdef __GNUC__
+// Made before anything that the library makes when it is loaded.
+__attribute__((init_priority(101))) const std::string name_before_main =
+    kShareLevelNames[kWebOnly].ToUtf8();
+
+TEST(ShareLevelNames, AreThereForWhatRunsBeforeMain) { EXPECT_EQ(name_before_main, "Web Only"); }
+#endif
+
 TEST(ShareLevels, HaveTheirBindingValues) {
   const std::vector<std::uint32_t> values = {
       kThisComputerOnly, kSharedForAllComputers, kWindowsOnly, kMacOnly, kWebOnly,
