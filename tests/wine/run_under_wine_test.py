@@ -15,12 +15,13 @@ SCRIPT = pathlib.Path(sys.argv.pop(1)).resolve()
 NOT_STARTED = 125
 
 # Notes each call, then does as the next line of a plan says: FAIL fails as a loader that does not
-# find its libraries, a number is the exit code of a program that ran.
+# find its libraries, VANISH ends with code 0 as a GoogleTest program whose server ends, a number is
+# the exit code of a program that ran. The first program brings up the services, which takes a while.
 WINE = """#!/bin/sh
 echo "$*" >>"$FOLDER/calls"
 case $1 in
   wineboot) kind=boot; mkdir -p "$WINEPREFIX/drive_c" ;;
-  cmd) exit 0 ;;
+  cmd) sleep 0.5; echo "the services run" >>"$FOLDER/calls"; exit 0 ;;
   *) kind=program ;;
 esac
 plan=$(head -n 1 "$FOLDER/$kind" 2>/dev/null)
@@ -28,6 +29,10 @@ sed -i 1d "$FOLDER/$kind" 2>/dev/null
 if [ "$plan" = FAIL ]; then
   echo 'wine: could not load kernel32.dll, status c0000135' >&2
   exit 53
+fi
+if [ "$plan" = VANISH ]; then
+  touch "$TEST_PREMATURE_EXIT_FILE"
+  exit 0
 fi
 [ "$kind" = boot ] || echo 'the program ran'
 exit "${plan:-0}"
@@ -67,11 +72,16 @@ class RunUnderWine(unittest.TestCase):
     def plan(self, kind, *steps):
         (self.folder / kind).write_text("".join(f"{step}\n" for step in steps))
 
-    def run_program(self):
+    def start_program(self):
         environment = dict(os.environ, FOLDER=str(self.folder),
                            PATH=f"{self.folder}:{os.environ['PATH']}")
-        return subprocess.run([SCRIPT, self.build, "program.exe", "argument"], env=environment,
-                              capture_output=True, text=True, timeout=15)
+        return subprocess.Popen([SCRIPT, self.build, "program.exe", "argument"], env=environment,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def run_program(self):
+        program = self.start_program()
+        out, err = program.communicate(timeout=15)
+        return subprocess.CompletedProcess(program.args, program.returncode, out, err)
 
     def calls(self, name):
         lines = (self.folder / "calls").read_text().splitlines()
@@ -125,6 +135,23 @@ class RunUnderWine(unittest.TestCase):
         run = self.run_program()
         self.assertEqual((run.returncode, run.stdout), (7, "the program ran\n"))
         self.assertIn("did not start, try 1 of 3", run.stderr)
+
+    def test_lets_no_program_start_before_the_services_run(self):
+        self.run_program()
+        (self.folder / "calls").write_text("")
+        self.end_server()
+        (self.folder / "server").unlink()
+        programs = [self.start_program() for _ in range(3)]
+        for program in programs:
+            program.communicate(timeout=15)
+        self.assertEqual(self.calls(""), ["cmd /c exit 0", "the services run"] +
+                         ["program.exe argument"] * 3)
+
+    def test_takes_a_program_for_failed_that_ended_before_its_tests(self):
+        self.plan("program", "VANISH")
+        run = self.run_program()
+        self.assertEqual(run.returncode, 126)
+        self.assertIn("ended before its tests were over", run.stderr)
 
     def test_tells_a_program_that_never_started_from_one_that_failed(self):
         self.plan("program", "FAIL", "FAIL", "FAIL", "FAIL")
