@@ -103,7 +103,8 @@ def write(run, figures, best_peer, format_figure, folder):
     write_chart(run, format_figure, folder / "performance.svg")
     (folder / "performance.md").write_text(make_user_page(run, best_peer, format_figure))
     (folder / "performance-details.md").write_text(make_details_page(run, figures))
-    unknown = [check.key for check in run.checks if not check.met and check.key not in reasons.MISSED]
+    unknown = [check.key for check in run.checks
+               if not check.met and check.key not in reasons.MISSED]
     if unknown:
         sys.exit("The pages are written, but bench/reasons.py has no reason for:\n" +
                  "\n".join(map(str, unknown)))
