@@ -13,7 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <variant>
 #include <vector>
 
 #include "data.h"
@@ -51,23 +50,40 @@ void Load(Size size, int count) {
   }
 }
 
+/// A save of the library says nothing of its failure.
+void CheckSaved(Ours& store, const Ours::Name& name, int value) {
+  store.Unload();
+  store.Load();
+  if (store.ReadInt(name) != value) {
+    throw std::runtime_error("the library did not save a change");
+  }
+}
+template <typename Store, typename Name>
+void CheckSaved(Store& /*store*/, const Name& /*name*/, int /*value*/) {}
+
 /// Each time after one preference has changed: a classified one, of which the smallest size has the
 /// same as the others.
 template <typename Store>
 void Save(Size size, int count) {
-  const Sequence changes = GetSequence(Size::kS, Kind::kInt, true);
   std::vector<typename Store::Name> names;
-  for (const Preference* preference : changes) {
+  for (const Preference* preference : GetSequence(Size::kS, Kind::kInt, true)) {
     names.push_back(Store::MakeName(*preference));
   }
   Store& store = MakeStore<Store>(size);
   store.Load();
+  std::size_t index = 0;
+  int value = 0;
   for (int saved = 0; saved < count; ++saved) {
-    const std::size_t index = static_cast<std::size_t>(saved) % changes.size();
-    if (!store.WriteInt(names[index], std::get<int>(changes[index]->value) + saved + 1)) {
+    index = static_cast<std::size_t>(saved) % names.size();
+    // Not what the last process left there.
+    value = store.ReadInt(names[index]) + 1;
+    if (!store.WriteInt(names[index], value)) {
       throw std::runtime_error(std::string(Store::kName) + " does not take a change");
     }
     Measure([&store] { store.Save(); });
+  }
+  if (count > 0 && size != Size::kL) {
+    CheckSaved(store, names[index], value);
   }
 }
 

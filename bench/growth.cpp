@@ -166,7 +166,7 @@ void Write(Library& store, const Shape& shape, std::size_t count) {
 void Reread(Library& store, const Shape& shape, std::size_t count) {
   Print("load", Measure(count, [&store] { store.Load(); }));
   Print("read", Read(store, shape, count));
-  store.WriteInt(MakeName(shape, count / 2), static_cast<int>(count / 2));
+  store.WriteInt(MakeName(shape, count / 2), static_cast<int>(count));
   Print("save", Measure(count, [&store] { store.Save(); }));
 }
 

@@ -1,4 +1,4 @@
-"""The pages about performance: one for users of the library, with a chart, and one for its makers."""
+"""The pages about performance: a short one with a chart, and one with all figures."""
 
 import sys
 
@@ -28,25 +28,25 @@ USER_PAGE = """# Performance
 ![Time and memory of the library and of its alternatives](performance.svg)
 
 Shorter is better. The chart shows Windows programs with {M:,} preferences, and with {L:,} for the
-memory.
+memory; so does the table where it says nothing else.
 
 {table}
 
-The first five libraries a C++ program could take instead are measured with the same preferences and
-the best of them is shown. The **floor** is the least that could be done: for reads and changes a
-`std::unordered_map` whose names were made ready beforehand, for loads and saves reading and writing
-the same files as plain bytes, for the save that cannot lose anything one file that is written, flushed
-and moved to its place. A dash stands where there is none.
+Five libraries that a program could take instead have the same preferences; each row shows the best
+of them. The **floor** is the least that could be done: for reads and changes a `std::unordered_map`
+whose names were made ready beforehand, for loads and saves the same files as plain bytes, for the
+save that loses nothing one file that is written, flushed and moved to its place. A dash stands
+where there is nothing to compare with.
 
-Measured on {date} under {wine} on {cores} cores ({cpu}). `./dev bench --docs` measures and writes
-this page anew; [all figures and the targets](performance-details.md) are for whoever changes the
-library.
+Measured on {date} under {wine}, on {cores} cores ({cpu}). `./dev bench --docs` measures again and
+writes this page; [Performance in detail](performance-details.md) has all figures, and is for
+whoever changes the library.
 """
 
 DETAILS_PAGE = """# Performance in detail
 
-For whoever changes the library: every figure, what the library must reach and why it does not where it
-does not. [Performance](performance.md) is the short page.
+For whoever changes the library: every figure, what the library must reach, and why where it does
+not. [Performance](performance.md) is the short page.
 
 | | |
 | --- | --- |
@@ -59,27 +59,28 @@ does not. [Performance](performance.md) is the short page.
 ## What is measured
 
 Sizes: S is the {S} classified preferences, M {M:,} and L {L:,} of which most are a host's own.
-Worlds: *Windows* is the DLL under Wine, called as a host calls it; *native* is the same sources built
-for Linux, with a stand-in for the calls of Windows. Targets are for Windows; native figures are for
-analysis. All times are elapsed times but those called CPU. A figure is the lower decile of short,
-interleaved repetitions.
+Worlds: *Windows* is the DLL under Wine, called as a host calls it; *native* is the same sources
+built for Linux, with a stand-in for the calls of Windows. Targets are for Windows; native figures
+are for analysis. All times are elapsed times but those called CPU. A figure is the lower decile of
+short, interleaved repetitions.
 
 - The **floor** of reads and changes is a `std::unordered_map` of the standard library over names of
-  16-bit units that were folded and joined beforehand, on both sides, and that `memcmp` compares. It is
-  the same code with the same flags in both worlds.
+  16-bit units that were folded and joined beforehand, on both sides, and that `memcmp` compares. It
+  is the same code with the same flags in both worlds.
+- New preferences are added to a store that was just loaded, and then deleted from it.
 - Loads and saves run in a process for each store. RapidJSON parses in place and writes prettily the
-  library's own two files; every other library has one file of its own. The floor reads and writes the
-  two files as plain bytes. Before each save one classified preference gets another value. The floor of a
-  protected save writes the file with the change beside its place, flushes it and moves it there.
-- CPU time and page faults of L are those of the process beyond a process that does everything but the
-  loads or saves. Those of the first use are beyond an empty process with the same imports; Wine's
-  server is not counted.
-- Wine's server lives through the run.
-- An uncached read from the registry is compared with opening the category's key, querying the value and
-  closing the key.
+  library's own two files; every other library has one file of its own. The floor reads and writes
+  the two files as plain bytes. Before each save one classified preference gets another value. The
+  floor of a protected save writes the file with the change beside its place, flushes it and moves
+  it there.
+- CPU time and page faults of L are those of the process beyond a process that does everything but
+  the loads or saves. Those of the first use are beyond an empty process with the same imports.
+  Wine's server lives through the run, and is not counted.
+- An uncached read from the registry is compared with opening the category's key, querying the value
+  and closing the key.
 - Memory is what a process that only loads has resident more than before, per preference.
-- Growth is the time a preference takes in a large store relative to a small one of the same shape; for
-  inserts and reads, relative to the floor's growth.
+- Growth is the time that a preference takes in a large store, relative to a small one of the same
+  shape; for inserts and reads, relative to the floor's growth.
 
 ## Targets
 
@@ -102,9 +103,11 @@ def write(run, figures, best_peer, format_figure, folder):
     write_chart(run, format_figure, folder / "performance.svg")
     (folder / "performance.md").write_text(make_user_page(run, best_peer, format_figure))
     (folder / "performance-details.md").write_text(make_details_page(run, figures))
-    unknown = [check.key for check in run.checks if not check.met and check.key not in reasons.MISSED]
+    unknown = [check.key for check in run.checks
+               if not check.met and check.key not in reasons.MISSED]
     if unknown:
-        sys.exit(f"bench/reasons.py has no reason for: {unknown}")
+        sys.exit("The pages are written, but bench/reasons.py has no reason for:\n" +
+                 "\n".join(map(str, unknown)))
 
 
 def make_user_page(run, best_peer, format_figure):

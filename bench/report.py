@@ -54,9 +54,9 @@ class Run:
         verdicts = [format_check(check) for check in self.checks
                     if (targets.WORLD, check.workload, check.size) == (world, workload, size)]
         return [workload, size, world, format_figure(workload, ours),
-                format_figure(workload, floor), format_ratio(ours, floor), best or "",
-                format_ratio(ours, best_time), *figures, format_figure(workload, before),
-                format_ratio(ours, before), "; ".join(verdicts)]
+                format_figure(workload, floor), format_ratio(workload, ours, floor), best or "",
+                format_ratio(workload, ours, best_time), *figures, format_figure(workload, before),
+                format_ratio(workload, ours, before), "; ".join(verdicts)]
 
 
 def best_peer(stores):
@@ -67,7 +67,7 @@ def format_figure(workload, value):
     if value is None:
         return ""
     if workload.endswith("page faults"):
-        return f"{value:,.0f}"
+        return f"{max(value, 0):,.0f}"
     if workload.startswith("memory"):
         return f"{value:.0f} B"
     for unit, scale in (("ns", 1), ("µs", 1e3), ("ms", 1e6), ("s", 1e9)):
@@ -80,8 +80,11 @@ def format_check(check):
            f"{check.subject}"
 
 
-def format_ratio(value, other):
-    return f"{value / other:.2f}" if value is not None and other else ""
+def format_ratio(workload, value, other):
+    """Page faults have none: who needs hardly any may well be a thousand times better."""
+    if None in (value, other) or workload.endswith("page faults"):
+        return ""
+    return f"{value / other:.2f}"
 
 
 def shown_columns(rows):

@@ -3,8 +3,8 @@
     run.py RESULTS [--quick] [--worlds NAMES] [--sizes NAMES] [--rows REGEX] [--stores REGEX]
                    [--before FOLDER]
 
-A figure is the lower decile of short, interleaved repetitions, in nanoseconds or bytes: what else the
-machine does makes a repetition longer, never shorter.
+A figure is the lower decile of short, interleaved repetitions, in nanoseconds or bytes: what else
+the machine does makes a repetition longer, never shorter.
 """
 
 import argparse
@@ -73,7 +73,9 @@ class Measurements:
 
 
 def lower_decile(values):
-    return statistics.quantiles(values, n=10, method="inclusive")[0] if len(values) > 1 else values[0]
+    if len(values) == 1:
+        return values[0]
+    return statistics.quantiles(values, n=10, method="inclusive")[0]
 
 
 class Subject:
@@ -209,8 +211,8 @@ def measure_library(root):
     """Size, stripped, and imports of the DLL."""
     build = root / "build/bench-windows"
     stripped = build / "stripped.dll"
-    subprocess.run(["x86_64-w64-mingw32-strip", "-o", stripped, build / "bin/CommonPreferences.dll"],
-                   check=True)
+    library = build / "bin/CommonPreferences.dll"
+    subprocess.run(["x86_64-w64-mingw32-strip", "-o", stripped, library], check=True)
     imports = imports_of(stripped)
     if imports != imports_of(build / "bin/empty_library.dll"):
         sys.exit(f"the empty library does not import {', '.join(imports)}, as ours does")

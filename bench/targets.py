@@ -107,8 +107,8 @@ def check_growth(times):
             growth = large["ours"] / small["ours"]
             if beyond_floor:
                 growth /= large["floor"] / small["floor"]
-            yield Check(workload, sizes[1], "× growth of floor" if beyond_floor else "× the small",
-                        growth, GROWTH)
+            subject = "× growth of floor" if beyond_floor else "× the small"
+            yield Check(workload, sizes[1], subject, growth, GROWTH)
 
 
 def check_library(library):
