@@ -82,9 +82,8 @@ class Floor : public Store {
     OwnValue operator()(const std::string& text) const { return MakeText(ToText(text)); }
   };
 
-  /// May throw as far as the map knows, which therefore keeps the hashes.
   struct Hash {
-    std::size_t operator()(const Name& name) const {
+    std::size_t operator()(const Name& name) const noexcept {
       return std::hash<std::string_view>()(std::string_view(
           reinterpret_cast<const char*>(name.data()), name.size() * sizeof(char16_t)));
     }
