@@ -125,6 +125,25 @@ TEST_F(ChangeLogTest, KeepsWhatWasWrittenAfterItsCategoryWasDeleted) {
   EXPECT_THAT(NamesOf(theirs), ElementsAre("C", " after"));
 }
 
+TEST_F(ChangeLogTest, GivesANameAsItWasWrittenAfterItsDeletion) {
+  Set(own, "C", "KEY", 1);
+  Delete("c", "KEY");
+  Write("Cat", "KEY", 2);
+  Delete("cat", "key");
+  Write("CAT", "Key", 3);
+  EXPECT_THAT(Changes(), ElementsAre("CAT", " Key"));
+}
+
+TEST_F(ChangeLogTest, DeletesBeforeItWrites) {
+  Set(own, "Single", "key", 1);
+  Delete("Single", "key");
+  Write("SINGLE", "another", 2);
+  LevelTable theirs;
+  Set(theirs, "Single", "key", 1);
+  log.ApplyTo(theirs, kLevel, own);
+  EXPECT_THAT(NamesOf(theirs), ElementsAre("SINGLE", " another"));
+}
+
 TEST_F(ChangeLogTest, HasADeletedCategoryInEveryLevel) {
   DeleteCategory("C");
   LevelTable theirs;
