@@ -25,7 +25,8 @@ enum class ESaveMode {
   ///  - A file that cannot be read does not count as missing, and is never overwritten.
   ///  - A file whose text would not change is not written.
   ///
-  /// All programs that share files must use one mode. One that saves in place takes no lock: it loses
+  /// All programs that share files must use one mode. One that saves in place takes no lock: it
+  /// loses
   /// changes of the others, and its own.
   kProtected
 };
