@@ -16,6 +16,9 @@ constexpr std::size_t kPage = 4096;
 constexpr std::size_t kAlignment = 16;
 constexpr unsigned char kPattern = 0xA5;
 constexpr std::size_t kAddresses = std::size_t{64} << 30;  // some eight million blocks
+// Each takes two of the areas of which Linux gives a process some 65000, and there is a DLL with an
+// allocator of its own. What is live beyond them is not guarded.
+constexpr int kMostGuarded = 12'000;
 
 constexpr std::size_t RoundUp(std::size_t size, std::size_t unit) {
   return (size + unit - 1) / unit * unit;
@@ -25,6 +28,8 @@ constexpr std::size_t RoundUp(std::size_t size, std::size_t unit) {
 struct Header {
   explicit Header(std::size_t block_size) : size(block_size), inverted_size(~block_size) {}
   bool IsIntact() const { return inverted_size == ~size; }
+  void MarkAsUnguarded() { inverted_size = size; }
+  bool IsUnguarded() const { return inverted_size == size; }
 
   std::size_t size;
   std::size_t inverted_size;
@@ -79,11 +84,26 @@ bool HoldsPattern(const unsigned char* first, const unsigned char* last) {
   return *first == kPattern && std::memcmp(first, first + 1, others) == 0;
 }
 
+std::atomic<int> live_guarded = 0;
+
+void* MakeUnguarded(std::size_t size) {
+  void* const memory = std::malloc(sizeof(Header) + size);
+  if (memory == nullptr) {
+    throw std::bad_alloc();
+  }
+  auto* const header = new (memory) Header(size);
+  header->MarkAsUnguarded();
+  return header + 1;
+}
+
 }  // namespace
 
 void* operator new(std::size_t size) {
   if (size > kAddresses) {
     throw std::bad_alloc();
+  }
+  if (live_guarded >= kMostGuarded) {
+    return MakeUnguarded(size);
   }
   const Layout layout(size);
   void* const addresses = TakeAddresses(layout.pages + kPage);  // the last page stays empty
@@ -94,6 +114,7 @@ void* operator new(std::size_t size) {
   auto* const pages = static_cast<unsigned char*>(addresses);
   std::memset(pages, kPattern, layout.pages);
   new (pages + layout.header()) Header(size);
+  ++live_guarded;
   return pages + layout.block();
 }
 
@@ -102,7 +123,12 @@ void operator delete(void* memory) noexcept {
     return;
   }
   auto* const block = static_cast<unsigned char*>(memory);
-  const Header header = *reinterpret_cast<const Header*>(block - sizeof(Header));
+  auto* const before = reinterpret_cast<Header*>(block - sizeof(Header));
+  const Header header = *before;
+  if (header.IsUnguarded()) {
+    std::free(before);
+    return;
+  }
   const Layout layout(header.size);
   unsigned char* const pages = block - layout.block();
   if (!header.IsIntact() || !HoldsPattern(pages, pages + layout.header())) {
@@ -112,6 +138,7 @@ void operator delete(void* memory) noexcept {
     Stop("write behind a block", block);
   }
   VirtualFree(pages, layout.pages, MEM_DECOMMIT);
+  --live_guarded;
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }

@@ -16,7 +16,8 @@ NOT_STARTED = 125
 
 # Notes each call, then does as the next line of a plan says: FAIL fails as a loader that does not
 # find its libraries, VANISH ends with code 0 as a GoogleTest program whose server ends, a number is
-# the exit code of a program that ran. The first program brings up the services, which takes a while.
+# the exit code of a program that ran, and TESTS leaves GoogleTest's result. The first program brings
+# up the services, which takes a while.
 WINE = """#!/bin/sh
 echo "$*" >>"$FOLDER/calls"
 case $1 in
@@ -32,6 +33,10 @@ if [ "$plan" = FAIL ]; then
 fi
 if [ "$plan" = VANISH ]; then
   touch "$TEST_PREMATURE_EXIT_FILE"
+  exit 0
+fi
+if [ "$plan" = TESTS ]; then
+  touch "${GTEST_OUTPUT#xml:Z:}"
   exit 0
 fi
 [ "$kind" = boot ] || echo 'the program ran'
@@ -72,14 +77,14 @@ class RunUnderWine(unittest.TestCase):
     def plan(self, kind, *steps):
         (self.folder / kind).write_text("".join(f"{step}\n" for step in steps))
 
-    def start_program(self):
+    def start_program(self, argument="argument"):
         environment = dict(os.environ, FOLDER=str(self.folder),
                            PATH=f"{self.folder}:{os.environ['PATH']}")
-        return subprocess.Popen([SCRIPT, self.build, "program.exe", "argument"], env=environment,
+        return subprocess.Popen([SCRIPT, self.build, "program.exe", argument], env=environment,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
-    def run_program(self):
-        program = self.start_program()
+    def run_program(self, argument="argument"):
+        program = self.start_program(argument)
         out, err = program.communicate(timeout=15)
         return subprocess.CompletedProcess(program.args, program.returncode, out, err)
 
@@ -152,6 +157,12 @@ class RunUnderWine(unittest.TestCase):
         run = self.run_program()
         self.assertEqual(run.returncode, 126)
         self.assertIn("ended before its tests were over", run.stderr)
+
+    def test_runs_tests_again_that_never_began_whatever_their_code(self):
+        self.plan("program", 0, 1, "TESTS")
+        run = self.run_program("--gtest_filter=Suite.*")
+        self.assertEqual(run.returncode, 0)
+        self.assertEqual(len(self.calls("program.exe")), 3)
 
     def test_tells_a_program_that_never_started_from_one_that_failed(self):
         self.plan("program", "FAIL", "FAIL", "FAIL", "FAIL")
