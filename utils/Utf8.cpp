@@ -125,7 +125,6 @@ CodeUnit* Utf8Decoder::DecodeSome(CodeUnit* out) {
   do {
     char32_t point = 0;
     const bool well_formed = DecodeSequence(utf8_, index_, point);
-    well_formed_ = well_formed_ && well_formed && !IsSurrogate(point);
     out = WriteCodePoint(out, well_formed ? point : kReplacementCharacter);
   } while (!IsAtEnd() && out < last);
   return out;

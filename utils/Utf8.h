@@ -49,9 +49,6 @@ class Utf8Decoder {
 
   bool IsAtEnd() const { return index_ == utf8_.size(); }
 
-  /// Whether what was decoded so far is well-formed, without surrogates.
-  bool IsWellFormed() const { return well_formed_; }
-
   /// Decodes some more of the text, which is not at its end.
   /// @param out has room for `kStep` units
   /// @return behind the units that it wrote
@@ -60,7 +57,6 @@ class Utf8Decoder {
  private:
   std::string_view utf8_;
   std::size_t index_ = 0;
-  bool well_formed_ = true;
 };
 
 }  // namespace vemora::utils

@@ -117,14 +117,11 @@ TEST(Utf8Decoder, DecodesAsTheIndependentDecoderDoesInStepsOfEightUnitsAtMost) {
       decoded.append(step.data(), end);
     }
     EXPECT_EQ(decoded, ToUtf16(Decode(text).points)) << ::testing::PrintToString(text);
-    EXPECT_EQ(decoder.IsWellFormed(), IsExpectedToBeWellFormed(text))
-        << ::testing::PrintToString(text);
   }
 }
 
 TEST(Utf8Decoder, IsAtTheEndOfAnEmptyText) {
   EXPECT_TRUE(Utf8Decoder("").IsAtEnd());
-  EXPECT_TRUE(Utf8Decoder("").IsWellFormed());
 }
 
 }  // namespace
