@@ -2,7 +2,7 @@
 # Nothing of this reaches a host.
 
 set(COMMONPREFERENCES_SANITIZE "" CACHE STRING
-  "Empty, 'full' (address and undefined behaviour), 'fuzz' (the same for libFuzzer) or 'trap' (undefined behaviour stops the program)")
+  "Empty, 'full' (address and undefined behaviour), 'fuzz' (the same for libFuzzer), 'thread' (data races) or 'trap' (undefined behaviour stops the program)")
 
 add_library(CommonPreferencesOptions INTERFACE)
 
@@ -37,6 +37,11 @@ if(COMMONPREFERENCES_SANITIZE MATCHES "^(full|fuzz)$")
       -fsanitize=fuzzer-no-link
       -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/sanitizer-ignore.txt)
   endif()
+elseif(COMMONPREFERENCES_SANITIZE STREQUAL "thread")
+  # GCC warns of each fence, for this sanitizer knows none: at worst it reports what is no race.
+  target_compile_options(CommonPreferencesOptions INTERFACE
+    -fsanitize=thread -O1 $<$<CXX_COMPILER_ID:GNU>:-Wno-tsan>)
+  target_link_options(CommonPreferencesOptions INTERFACE -fsanitize=thread)
 elseif(COMMONPREFERENCES_SANITIZE STREQUAL "trap")
   target_compile_options(CommonPreferencesOptions INTERFACE
     -fsanitize=undefined -fsanitize-undefined-trap-on-error)

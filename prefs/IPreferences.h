@@ -1,6 +1,7 @@
 /// @file
 /// The one interface through which a host reads and writes its preferences, whichever back end
-/// serves it. Not thread-safe: the host calls it from one thread or serialises its calls.
+/// serves it. The host calls it from one thread or serialises its calls; only the reads of the JSON
+/// back end may run side by side, see JsonCommon.h.
 #pragma once
 
 #include <string>

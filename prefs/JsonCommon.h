@@ -1,6 +1,12 @@
 /// @file
-/// The JSON back end: preferences in memory, one map per share level, kept in two files. Not
-/// thread-safe. The store owns its maps and paths; every Dictionary stays the caller's.
+/// The JSON back end: preferences in memory, one map per share level, kept in two files. The store
+/// owns its maps and paths; every Dictionary stays the caller's.
+///
+/// Many threads may read one store at once, or one thread may change it, under a lock of the host's
+/// own, such as a std::shared_mutex. Reads are `IsPreferenceSet`, `CategoryExists`, `GetLevel`,
+/// `IsLevelEmpty`, `Read...`, `ForEachPreference`, `GetCategories`, `GetValueFromMaps`,
+/// `Get...Path` and copying the store; all else changes it, and so, for all stores, do guards of
+/// PreferencesDefaults.h and `setlocale`. A copy is a store by itself and needs no lock.
 #pragma once
 
 #include <array>
