@@ -17,7 +17,7 @@ namespace {
 
 template <typename Source>
 HashKeys DrawKeys(Source next) {
-  return {next(), next() | 1, next(), next()};
+  return {next(), next() | 1, next() | 1, next(), next()};
 }
 
 /// Up to eight code units as a word to be hashed.
@@ -29,6 +29,30 @@ std::uint64_t NarrowForHash(const CodeUnit* units, std::size_t count) {
     word |= static_cast<std::uint64_t>(unit) << (8 * index);
   }
   return word;
+}
+
+/// Whether the unit is of a script without case, or a surrogate: from Hebrew to Burmese, from
+/// Chinese to Vai, and Korean. If a locale did fold one of them, its names would still be found as
+/// they are spelled.
+constexpr bool IsCaseless(CodeUnit unit) {
+  return (unit >= 0x0590 && unit < 0x10A0) || (unit >= 0x2E80 && unit < 0xA640) ||
+         (unit >= 0xAC00 && unit < 0xE000);
+}
+
+/// Adds up to eight code units, of which those without case are told apart: there are languages in
+/// which most names have four characters.
+void AddUnits(NameHasher& hasher, const CodeUnit* units, std::size_t count) {
+  hasher.AddWord(NarrowForHash(units, count));
+  std::uint64_t caseless[] = {0, 0};
+  for (std::size_t index = 0; index < count; ++index) {
+    const std::uint64_t unit = IsCaseless(units[index]) ? units[index] : 0;
+    caseless[index / 4] |= unit << (16 * (index % 4));
+  }
+  for (const std::uint64_t four : caseless) {
+    if (four != 0) {
+      hasher.AddCaseless(four);
+    }
+  }
 }
 
 /// The last bytes of a text, zeros behind them.
@@ -59,7 +83,7 @@ HashKeys MakeHashKeys() {
 std::uint64_t HashName(const vemora_ustring& name) {
   NameHasher hasher;
   for (std::size_t index = 0; index < name.size(); index += kWordSize) {
-    hasher.AddWord(NarrowForHash(name.data() + index, std::min(kWordSize, name.size() - index)));
+    AddUnits(hasher, name.data() + index, std::min(kWordSize, name.size() - index));
   }
   return hasher.Finish(name.size());
 }

@@ -19,7 +19,8 @@ namespace vemora::prefs {
 /// into one place of a table.
 struct HashKeys {
   std::uint64_t start;
-  std::uint64_t word;  // odd, or the lowest bits of a product would say little
+  std::uint64_t word;      // odd, or the lowest bits of a product would say little
+  std::uint64_t caseless;  // odd, too
   std::uint64_t category;
   std::uint64_t key;
 };
@@ -47,11 +48,11 @@ inline std::uint64_t MultiplyAndFold(std::uint64_t left, std::uint64_t right) {
 /// Hashes one name, given in words of eight characters.
 ///
 /// Names that `CompareNoCase` takes for equal in any C locale have one hash. So ASCII letters count
-/// as upper case, and every code unit that a locale may fold counts as one and the same: all beyond
-/// ASCII, and I and S, which some of them become ('ı' and 'ſ').
+/// as upper case, and every code unit that a locale may fold counts as one and the same: those of
+/// scripts that have case, and I and S, which some of them become ('ı' and 'ſ').
 ///
-/// Names of one length that have nothing but I, S and units beyond ASCII therefore share a hash,
-/// whatever the keys: a load sorts them, and a lookup goes through them one by one.
+/// Names of one length that have nothing but such units therefore share a hash, whatever the keys:
+/// a load sorts them, and a lookup goes through them one by one.
 class NameHasher {
  public:
   NameHasher() : word_key_(GetHashKeys().word), hash_(GetHashKeys().start) {}
@@ -60,6 +61,13 @@ class NameHasher {
   /// @param word ASCII
   void AddWord(std::uint64_t word) {
     hash_ = MultiplyAndFold(hash_ ^ ClassifyWord(word), word_key_);
+  }
+
+  /// Of the last eight characters four that are told apart, those of scripts without case.
+  /// @param units 0 for all others
+  void AddCaseless(std::uint64_t units) {
+    // By a key of its own, so that nobody can choose units that count as a word does.
+    hash_ = MultiplyAndFold(hash_ ^ units, GetHashKeys().caseless);
   }
 
   /// @param length of the whole name in code units

@@ -1,6 +1,6 @@
-// How much is compared when a file was written so that all its names share a hash, as texts of one
-// length beyond ASCII do. Comparisons are counted by the letters that the C library is asked for,
-// which takes a function of this program for its own in some systems only.
+// How much is compared when a file was written so that all its names share a hash, as those of one
+// length of letters beyond ASCII do. Comparisons are counted by the letters that the C library is
+// asked for, which takes a function of this program for its own in some systems only.
 
 #include <algorithm>
 #include <cwctype>
@@ -35,7 +35,7 @@ std::vector<std::string> MakeNames() {
   for (unsigned choice = 0; choice < kCount; ++choice) {
     std::string name;
     for (unsigned place = 0; place < kLettersOfName; ++place) {
-      name += (choice >> place & 1) != 0 ? "\xE6\x97\xA5" : "\xC3\xA4";
+      name += (choice >> place & 1) != 0 ? "\xD0\x96" : "\xC3\xA4";
     }
     names.push_back(name);
   }

@@ -39,13 +39,15 @@ TEST(HashKeys, AreDrawnAnew) {
   const HashKeys other = MakeHashKeys();
   EXPECT_NE(one.start, other.start);
   EXPECT_NE(one.word, other.word);
+  EXPECT_NE(one.caseless, other.caseless);
   EXPECT_NE(one.category, other.category);
   EXPECT_NE(one.key, other.key);
 }
 
-TEST(HashKeys, OfWordsAreOdd) {
+TEST(HashKeys, OfFactorsAreOdd) {
   for (int time = 0; time < 20; ++time) {
     EXPECT_EQ(MakeHashKeys().word % 2, 1U);
+    EXPECT_EQ(MakeHashKeys().caseless % 2, 1U);
   }
 }
 
@@ -164,6 +166,38 @@ TEST(FoldedUnits, OfAsciiAreAsciiInEveryLocale) {
       ASSERT_EQ(folded, unit >= 'a' && unit <= 'z' ? unit - 'a' + 'A' : unit);
     }
   });
+}
+
+/// Whether a name of this unit has a hash of its own, or that of others that may become it.
+bool IsToldApart(CodeUnit unit) {
+  return unit >= 0x80 && HashName(vemora_ustring(1, unit)) != HashName(vemora_ustring(1, 0xC4));
+}
+
+TEST(FoldedUnits, AreTheSameForThoseThatAreToldApartAndNoOthersBecomeThem) {
+  ForEachLocale([] {
+    for (unsigned unit = 0x80; unit <= 0xFFFF; ++unit) {
+      const CodeUnit folded = FoldUnit(static_cast<CodeUnit>(unit));
+      if (folded != unit) {
+        ASSERT_FALSE(IsToldApart(static_cast<CodeUnit>(unit))) << std::hex << unit;
+        ASSERT_FALSE(IsToldApart(folded)) << std::hex << unit;
+      }
+    }
+  });
+}
+
+TEST(NameHash, TellsApartUnitsOfScriptsWithoutCaseAtEveryPlace) {
+  for (std::size_t length = 1; length <= kLongest; ++length) {
+    std::set<std::uint64_t> hashes;
+    for (std::size_t place = 0; place < length; ++place) {
+      for (const unsigned unit :
+           {0x5D0U, 0x627U, 0xE01U, 0x3042U, 0x4E00U, 0x4E01U, 0xAC00U, 0xD83DU, 0xDE00U}) {
+        vemora_ustring name = Utf8(Lower(length));
+        name[place] = static_cast<CodeUnit>(unit);
+        hashes.insert(HashName(name));
+      }
+    }
+    EXPECT_EQ(hashes.size(), 9 * length) << length;
+  }
 }
 
 // Names are equal when their folded units are, so this holds for all pairs of equal units.
