@@ -16,6 +16,20 @@ bool IsWhole(const std::filesystem::path& file) {
   return !text.empty() && text.front() == '{' && text.back() == '}';
 }
 
+/// Runs a host to its own end. Wine 8 now and then ends a process itself whose threads it stops
+/// within a call on files ("server_get_unix_fd: Assertion ... failed"), with this code: then once
+/// more.
+DWORD RunToItsEnd(const std::filesystem::path& private_file,
+                  const std::filesystem::path& shared_file) {
+  constexpr DWORD kEndedByWine = 0x80000101;
+  constexpr int kTries = 5;
+  DWORD code = kEndedByWine;
+  for (int tries = 0; tries < kTries && code == kEndedByWine; ++tries) {
+    code = RunProgram(L"leaving_host", {private_file.wstring(), shared_file.wstring()});
+  }
+  return code;
+}
+
 // They would wait for a minute for the lock that their own dead thread holds.
 TEST(LeavingHost, EndsSoonAndLeavesBothFilesWhole) {
   constexpr int kHosts = 4;
@@ -25,8 +39,7 @@ TEST(LeavingHost, EndsSoonAndLeavesBothFilesWhole) {
     const auto private_file = folder / "private.json";
     const auto shared_file = folder / "shared.json";
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(RunProgram(L"leaving_host", {private_file.wstring(), shared_file.wstring()}),
-              static_cast<DWORD>(EXIT_SUCCESS));
+    EXPECT_EQ(RunToItsEnd(private_file, shared_file), static_cast<DWORD>(EXIT_SUCCESS));
     EXPECT_LT(std::chrono::steady_clock::now() - start, kSoon);
     EXPECT_TRUE(IsWhole(private_file));
     EXPECT_TRUE(IsWhole(shared_file));
