@@ -120,9 +120,7 @@ TEST(Utf8Decoder, DecodesAsTheIndependentDecoderDoesInStepsOfEightUnitsAtMost) {
   }
 }
 
-TEST(Utf8Decoder, IsAtTheEndOfAnEmptyText) {
-  EXPECT_TRUE(Utf8Decoder("").IsAtEnd());
-}
+TEST(Utf8Decoder, IsAtTheEndOfAnEmptyText) { EXPECT_TRUE(Utf8Decoder("").IsAtEnd()); }
 
 }  // namespace
 }  // namespace vemora::utils
