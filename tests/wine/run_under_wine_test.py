@@ -22,7 +22,7 @@ WINE = """#!/bin/sh
 echo "$*" >>"$FOLDER/calls"
 case $1 in
   wineboot) kind=boot; mkdir -p "$WINEPREFIX/drive_c" ;;
-  cmd) sleep 0.5; echo "the services run" >>"$FOLDER/calls"; exit 0 ;;
+  cmd) sleep 0.2; echo "the services run" >>"$FOLDER/calls"; exit 0 ;;
   *) kind=program ;;
 esac
 plan=$(head -n 1 "$FOLDER/$kind" 2>/dev/null)
@@ -78,7 +78,7 @@ class RunUnderWine(unittest.TestCase):
         (self.folder / kind).write_text("".join(f"{step}\n" for step in steps))
 
     def start_program(self, argument="argument"):
-        environment = dict(os.environ, FOLDER=str(self.folder),
+        environment = dict(os.environ, FOLDER=str(self.folder), RUN_UNDER_WINE_PAUSE="0",
                            PATH=f"{self.folder}:{os.environ['PATH']}")
         return subprocess.Popen([SCRIPT, self.build, "program.exe", argument], env=environment,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
