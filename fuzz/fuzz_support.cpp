@@ -25,7 +25,7 @@ void AppendCategory(const vemora_ustring& name, const rapidjson::Value& object, 
   categories.push_back(category);
 }
 
-void AppendFile(const vemora_ustring& path, std::size_t first_level, std::size_t last_level,
+void AppendFile(const vemora_ustring& path, std::size_t firstLevel, std::size_t lastLevel,
                 SavedCategories& categories) {
   const std::optional<std::string> text = ReadFile(path);
   if (!text) {
@@ -35,9 +35,9 @@ void AppendFile(const vemora_ustring& path, std::size_t first_level, std::size_t
   document.Parse<rapidjson::kParseNumbersAsStringsFlag>(text->data(), text->size());
   Check(!document.HasParseError(), "what is saved parses");
   Check(document.IsObject(), "the root of a saved file is an object");
-  std::size_t level = first_level;
+  std::size_t level = firstLevel;
   for (const auto& member : document.GetObject()) {
-    Check(level <= last_level, "a saved file has no more members than levels");
+    Check(level <= lastLevel, "a saved file has no more members than levels");
     Check(ToText(member.name) == prefs::kShareLevelNames[level], "saved levels have their names");
     Check(member.value.IsObject(), "a saved level is an object");
     for (const auto& category : member.value.GetObject()) {
@@ -45,7 +45,7 @@ void AppendFile(const vemora_ustring& path, std::size_t first_level, std::size_t
     }
     ++level;
   }
-  Check(level == last_level + 1, "a saved file has all its levels");
+  Check(level == lastLevel + 1, "a saved file has all its levels");
 }
 
 }  // namespace
@@ -78,11 +78,11 @@ void WriteFile(const vemora_ustring& path, std::string_view bytes) {
   Check(utils::WriteWholeFile(bytes.data(), bytes.size(), path), "the file can be written");
 }
 
-SavedCategories ReadSavedFiles(const vemora_ustring& private_file,
-                               const vemora_ustring& shared_file) {
+SavedCategories ReadSavedFiles(const vemora_ustring& privateFile,
+                               const vemora_ustring& sharedFile) {
   SavedCategories categories;
-  AppendFile(private_file, prefs::kThisComputerOnly, prefs::kThisComputerOnly, categories);
-  AppendFile(shared_file, prefs::kSharedForAllComputers, prefs::kAndroidOnly, categories);
+  AppendFile(privateFile, prefs::kThisComputerOnly, prefs::kThisComputerOnly, categories);
+  AppendFile(sharedFile, prefs::kSharedForAllComputers, prefs::kAndroidOnly, categories);
   return categories;
 }
 

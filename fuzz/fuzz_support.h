@@ -191,7 +191,6 @@ void WriteFile(const vemora_ustring& path, std::string_view bytes);
 
 /// What the two saved files hold, private first, in their order. Checks that they parse and have
 /// the shape that files of preferences have; a missing file holds nothing.
-SavedCategories ReadSavedFiles(const vemora_ustring& private_file,
-                               const vemora_ustring& shared_file);
+SavedCategories ReadSavedFiles(const vemora_ustring& privateFile, const vemora_ustring& sharedFile);
 
 }  // namespace vemora::fuzz

@@ -236,9 +236,9 @@ class Model {
     }
   }
 
-  void SetFlags(bool save, bool delete_files) {
+  void SetFlags(bool save, bool deleteFiles) {
     save_ = save;
-    delete_files_ = delete_files;
+    delete_files_ = deleteFiles;
   }
 
   void Destroy(Disk& disk) {
