@@ -34,14 +34,15 @@ def windows(*tests):
 
 
 JSON = native("JsonCommon_test", "JsonLevels_test", "JsonDictionary_test", "JsonFiles_test",
-              "ProtectedSave_test")
+              "ProtectedSave_test", "ProtectedMerge_test")
 
 # The test files of each file, the cheapest first.
 UNITS = {
     "prefs/JsonCommon.cpp": JSON + native("OutOfMemory_test"),
     "prefs/JsonCommonFiles.cpp": JSON,
     "prefs/Preferences.cpp": native("Preferences_test", "PreferencesRegistry_test"),
-    "prefs/PreferencesBase.cpp": native("PreferencesBase_test"),
+    "prefs/PreferencesBase.cpp": native("PreferencesBase_test", "PreferencesBaseFlush_test",
+                                         "PreferencesBaseLifetime_test"),
     "prefs/PreferencesDefaults.cpp": native("PreferencesDefaults_test"),
     # The native registry knows no roots.
     "prefs/PreferencesRegistry.cpp": native("PreferencesRegistry_test",
@@ -49,7 +50,8 @@ UNITS = {
                                      windows("PreferencesRegistry_test"),
     "prefs/ShareLevel.cpp": native("JsonFiles_test"),
     "prefs/ShareLevelTable.cpp": native("ShareLevelTable_test"),
-    "prefs/files/ProtectedFiles.cpp": native("ProtectedSave_test"),
+    "prefs/files/ProtectedFiles.cpp": native("ProtectedSave_test", "ProtectedMerge_test",
+                                             "ProtectedSaveBadFiles_test"),
     "prefs/json/JsonNumber.cpp": native("JsonNumber_test"),
     "prefs/json/LevelsReader.cpp": native("LevelsReader_test", "LevelsReaderTexts_test"),
     "prefs/json/SurrogateEscapes.cpp": native("SurrogateEscapes_test"),
