@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "prefs/ShareLevel.h"
-#include "utils/Export.h"
-#include "utils/vemora_ustring.h"
+#include "../utils/Export.h"
+#include "../utils/vemora_ustring.h"
+#include "ShareLevel.h"
 
 namespace vemora::prefs {
 

@@ -16,14 +16,14 @@
 #include <string>
 #include <vector>
 
-#include "prefs/IPreferences.h"
-#include "prefs/ShareLevel.h"
-#include "prefs/store/KnownLevels.h"
-#include "prefs/store/LevelMap.h"
-#include "utils/Dictionary.h"
-#include "utils/Export.h"
-#include "utils/Variant.h"
-#include "utils/vemora_ustring.h"
+#include "../utils/Dictionary.h"
+#include "../utils/Export.h"
+#include "../utils/Variant.h"
+#include "../utils/vemora_ustring.h"
+#include "IPreferences.h"
+#include "ShareLevel.h"
+#include "store/KnownLevels.h"
+#include "store/LevelMap.h"
 
 #if defined(_MSC_VER)
 #pragma warning(push)

@@ -3,11 +3,11 @@
 /// thread calls these functions, or the host serialises its calls.
 #pragma once
 
-#include "prefs/IPreferences.h"
-#include "prefs/SaveMode.h"
-#include "prefs/ShareLevel.h"
-#include "utils/Export.h"
-#include "utils/vemora_ustring.h"
+#include "../utils/Export.h"
+#include "../utils/vemora_ustring.h"
+#include "IPreferences.h"
+#include "SaveMode.h"
+#include "ShareLevel.h"
 
 namespace vemora::prefs {
 

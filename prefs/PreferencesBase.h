@@ -5,10 +5,10 @@
 #include <map>
 #include <string>
 
-#include "prefs/IPreferences.h"
-#include "utils/Export.h"
-#include "utils/Variant.h"
-#include "utils/vemora_ustring.h"
+#include "../utils/Export.h"
+#include "../utils/Variant.h"
+#include "../utils/vemora_ustring.h"
+#include "IPreferences.h"
 
 #if defined(_MSC_VER)
 #pragma warning(push)

@@ -3,8 +3,8 @@
 /// Plain globals: used from the thread that uses the preferences.
 #pragma once
 
-#include "prefs/ShareLevel.h"
-#include "utils/Export.h"
+#include "../utils/Export.h"
+#include "ShareLevel.h"
 
 namespace vemora::prefs {
 

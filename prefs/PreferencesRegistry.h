@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "prefs/PreferencesBase.h"
-#include "utils/Export.h"
-#include "utils/Singleton.h"
-#include "utils/vemora_ustring.h"
+#include "../utils/Export.h"
+#include "../utils/Singleton.h"
+#include "../utils/vemora_ustring.h"
+#include "PreferencesBase.h"
 
 #if defined(_MSC_VER)
 #pragma warning(push)

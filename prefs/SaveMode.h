@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdint>
 
-#include "utils/Export.h"
+#include "../utils/Export.h"
 
 namespace vemora::prefs {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "utils/vemora_ustring.h"
+#include "../utils/vemora_ustring.h"
 
 namespace vemora::prefs {
 

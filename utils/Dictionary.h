@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <map>
 
-#include "utils/Variant.h"
-#include "utils/vemora_ustring.h"
+#include "Variant.h"
+#include "vemora_ustring.h"
 
 namespace vemora::utils {
 

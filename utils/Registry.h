@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "utils/Export.h"
-#include "utils/vemora_ustring.h"
+#include "Export.h"
+#include "vemora_ustring.h"
 
 // As <windows.h> declares it, which this header does not include.
 struct HKEY__;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): theirs

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "utils/vemora_ustring.h"
+#include "vemora_ustring.h"
 
 namespace vemora::utils {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "prefs/store/LevelMap.h"
+#include "LevelMap.h"
 
 namespace vemora::prefs {
 

@@ -24,9 +24,9 @@
 #include <string>
 #include <vector>
 
-#include "prefs/IPreferences.h"
-#include "prefs/ShareLevel.h"
-#include "utils/vemora_ustring.h"
+#include "../../utils/vemora_ustring.h"
+#include "../IPreferences.h"
+#include "../ShareLevel.h"
 
 namespace vemora::prefs::contract {
 
