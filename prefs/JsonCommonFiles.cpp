@@ -66,9 +66,7 @@ void JsonCommon::LoadPreferences() {
 
 void JsonCommon::SavePreferences() {
   if (IsProtected()) {
-    if (SaveProtectedFiles({EFile::kShared, EFile::kPrivate})) {
-      dirty = false;
-    }
+    dirty = !SaveProtectedFiles({EFile::kShared, EFile::kPrivate}) && dirty;
     return;
   }
   const bool shared_written = SaveInPlace(SharedFile());
@@ -128,10 +126,10 @@ void JsonCommon::LoadPrivatePreferences() {
 }
 
 void JsonCommon::SaveSharedPreferences() {
-  if (!IsProtected()) {
+  if (IsProtected()) {
+    dirty = !SaveProtectedFiles({EFile::kShared}) && dirty;
+  } else {
     SaveInPlace(SharedFile());
-    dirty = false;
-  } else if (SaveProtectedFiles({EFile::kShared})) {
     dirty = false;
   }
 }

@@ -35,13 +35,14 @@ SystemError ShiftCopies(const vemora_ustring& path) {
 
 }  // namespace
 
-SystemError KeepBadFile(const vemora_ustring& path, std::string_view bytes) {
+SystemError KeepBadFile(const vemora_ustring& path) {
+  const utils::FileBytes bad = utils::ReadFileBytes(path);
   const vemora_ustring newest = NameOfCopy(path, 1);
-  if (utils::ReadFileBytes(newest).bytes == bytes) {
-    return 0;
+  if (!bad.bytes.has_value() || bad.bytes == utils::ReadFileBytes(newest).bytes) {
+    return bad.error;
   }
   ReplacementFile copy(newest);
-  if (const SystemError error = copy.Write(bytes)) {
+  if (const SystemError error = copy.Write(*bad.bytes)) {
     return error;
   }
   if (const SystemError error = ShiftCopies(path)) {

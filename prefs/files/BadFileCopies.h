@@ -2,8 +2,6 @@
 /// Copies of files that could not be read as preferences. Internal to the library.
 #pragma once
 
-#include <string_view>
-
 #include "utils/SystemError.h"
 #include "utils/vemora_ustring.h"
 
@@ -11,6 +9,6 @@ namespace vemora::prefs {
 
 /// Keeps what a malformed file held as "name.bad", and earlier copies as "name.bad.2" to
 /// "name.bad.5". What was kept last is not kept again, for a save that failed is tried again.
-utils::SystemError KeepBadFile(const utils::vemora_ustring& path, std::string_view bytes);
+utils::SystemError KeepBadFile(const utils::vemora_ustring& path);
 
 }  // namespace vemora::prefs

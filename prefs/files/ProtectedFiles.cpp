@@ -37,13 +37,17 @@ class PendingFile {
     if (read.error != 0) {
       return read.error;
     }
-    const std::string found = std::move(read.bytes).value_or(std::string());
-    if (const SystemError error = Merge(found)) {
-      return error;
+    std::string found = std::move(read.bytes).value_or(std::string());
+    const std::size_t found_hash = HashOfText(found);
+    merged_.clear();
+    if (!found.empty() && found_hash != file_.changes->GetHash()) {
+      if (const SystemError error = Merge(found)) {
+        return error;
+      }
     }
     const TextBuffer text = WriteFileText(file_, merged_.empty() ? file_.levels : merged_.data());
     hash_ = HashOfText(text.View());
-    is_written_ = text.View() == found;
+    is_written_ = hash_ == found_hash;
     return is_written_ ? 0 : replacement_.Write(text.View());
   }
 
@@ -67,16 +71,12 @@ class PendingFile {
 
  private:
   /// Makes the own changes in what others saved since this store saw the file.
-  SystemError Merge(const std::string& found) {
-    merged_.clear();
-    if (found.empty() || HashOfText(found) == file_.changes->GetHash()) {
-      return 0;
-    }
-    std::string text = found;
-    LoadedLevels theirs = ReadLevels(text.data(), text.size(), file_.count);
+  /// @param found is overwritten
+  SystemError Merge(std::string& found) {
+    LoadedLevels theirs = ReadLevels(found.data(), found.size(), file_.count);
     if (std::none_of(theirs.begin(), theirs.end(),
                      [](const auto& level) { return level.has_value(); })) {
-      return KeepBadFile(file_.path, found);
+      return KeepBadFile(file_.path);
     }
     for (std::size_t level = 0; level < file_.count; ++level) {
       const LevelMap& own = file_.levels[level];
@@ -125,9 +125,8 @@ LoadedFile Load(const PreferenceFile& file) {
   if (!read.bytes.has_value() || read.bytes->empty()) {
     return {std::nullopt, 0, read.error != 0};
   }
-  std::string text = std::move(*read.bytes);
-  const std::size_t hash = HashOfText(text);
-  return {ReadLevels(text.data(), text.size(), file.count), hash};
+  const std::size_t hash = HashOfText(*read.bytes);
+  return {ReadLevels(read.bytes->data(), read.bytes->size(), file.count), hash};
 }
 
 }  // namespace

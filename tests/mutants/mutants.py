@@ -158,7 +158,7 @@ MUTANTS = [
     Mutant("merge: what no file can hold is lost", "prefs/store/ChangeLog.cpp",
            "if (changes.everything || !FitsIntoFile(value)) {", "if (changes.everything) {"),
     Mutant("merge: a changed file is taken for the own one", "prefs/files/ProtectedFiles.cpp",
-           "HashOfText(found) == file_.changes->GetHash()", "file_.changes->GetHash() != 0"),
+           "found_hash != file_.changes->GetHash()", "file_.changes->GetHash() == 0"),
 
     # The JSON store: texts
     Mutant("reader: members within members count", "prefs/json/LevelsReader.cpp",
