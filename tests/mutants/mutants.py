@@ -51,7 +51,8 @@ UNITS = {
     "prefs/ShareLevel.cpp": native("JsonFiles_test"),
     "prefs/ShareLevelTable.cpp": native("ShareLevelTable_test"),
     "prefs/files/ProtectedFiles.cpp": native("ProtectedSave_test", "ProtectedMerge_test",
-                                             "ProtectedSaveBadFiles_test"),
+                                             "ProtectedSaveBadFiles_test") +
+                                      windows("OverwrittenFiles_test"),
     "prefs/json/JsonNumber.cpp": native("JsonNumber_test"),
     "prefs/json/LevelsReader.cpp": native("LevelsReader_test", "LevelsReaderTexts_test"),
     "prefs/json/SurrogateEscapes.cpp": native("SurrogateEscapes_test"),
@@ -159,6 +160,8 @@ MUTANTS = [
            "if (changes.everything || !FitsIntoFile(value)) {", "if (changes.everything) {"),
     Mutant("merge: a changed file is taken for the own one", "prefs/files/ProtectedFiles.cpp",
            "found_hash != file_.changes->GetHash()", "file_.changes->GetHash() == 0"),
+    Mutant("merge: a file that is written meanwhile is overwritten", "prefs/files/ProtectedFiles.cpp",
+           "return utils::GetFileState(file_.path) == state_;", "return state_.has_value();"),
 
     # The JSON store: texts
     Mutant("reader: members within members count", "prefs/json/LevelsReader.cpp",
