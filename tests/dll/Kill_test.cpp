@@ -11,12 +11,12 @@
 
 #include "prefs/JsonCommon.h"
 #include "run_program.h"
+#include "stress.h"
 #include "support.h"
 
 namespace vemora::testing {
 namespace {
 
-constexpr int kKills = 200;
 constexpr std::size_t kPreferences = 2000;
 
 enum class Remains { kWhole, kMissing, kEmpty, kPart };
@@ -58,7 +58,8 @@ TEST(KilledHost, LeavesAWholeFileOrOneThatCountsAsEmpty) {
   std::uniform_int_distribution<DWORD> delay(0, 40);
 
   std::map<Remains, int> counts;
-  for (int kill = 0; kill < kKills; ++kill) {
+  const int kills = WholeOrSample(200, 50);
+  for (int kill = 0; kill < kills; ++kill) {
     Program host(L"saving_host", {private_file.wstring(), shared_file.wstring()});
     while (!std::filesystem::exists(private_file)) {
       ASSERT_TRUE(host.IsRunning());
@@ -75,7 +76,7 @@ TEST(KilledHost, LeavesAWholeFileOrOneThatCountsAsEmpty) {
     std::filesystem::remove(shared_file);
   }
   EXPECT_GT(counts[Remains::kWhole], 0);
-  std::cout << "of " << kKills << " kills: whole " << counts[Remains::kWhole] << ", missing "
+  std::cout << "of " << kills << " kills: whole " << counts[Remains::kWhole] << ", missing "
             << counts[Remains::kMissing] << ", empty " << counts[Remains::kEmpty] << ", a part "
             << counts[Remains::kPart] << '\n';
 }
