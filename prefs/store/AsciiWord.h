@@ -22,6 +22,11 @@ namespace vemora::prefs {
 
 constexpr std::size_t kWordSize = sizeof(std::uint64_t);
 
+/// Of a text that is filled up to whole words.
+constexpr std::size_t PaddedSize(std::size_t size) {
+  return (size + kWordSize - 1) / kWordSize * kWordSize;
+}
+
 /// The word whose bytes all are `byte`.
 constexpr std::uint64_t Repeat(unsigned char byte) {
   return byte * std::uint64_t{0x0101010101010101};

@@ -1,7 +1,6 @@
 #include "prefs/store/LevelTable.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -15,35 +14,6 @@ namespace vemora::prefs {
 using utils::Variant;
 
 namespace {
-
-/// Of a name, with the zeros behind it.
-constexpr std::size_t PaddedSize(std::size_t size) { return (size + 7) / 8 * 8; }
-
-template <typename RecordType>
-std::size_t SizeOf(const RecordType& record) {
-  return sizeof(RecordType) + PaddedSize(record.name_size);
-}
-
-/// Makes a record, of which the name, the hash and the kind are set.
-template <typename RecordType>
-Arena::Ref NewRecord(Arena& arena, std::string_view name, bool ascii, std::uint32_t hash,
-                     std::uint32_t kind) {
-  if (name.size() > LevelTable::kLongestName) {
-    throw std::length_error("a name of 64 MiB in the preferences");
-  }
-  const Arena::Ref ref = arena.Allocate(sizeof(RecordType) + PaddedSize(name.size()));
-  auto* const record = new (arena.At(ref)) RecordType;
-  record->hash = hash;
-  record->name_size = static_cast<std::uint32_t>(name.size()) & LevelTable::kLongestName;
-  record->name_is_ascii = ascii ? 1 : 0;
-  record->kind = kind & 7;
-  char* const bytes = reinterpret_cast<char*>(record + 1);
-  if (!name.empty()) {
-    std::memset(bytes + PaddedSize(name.size()) - 8, 0, 8);
-    std::memcpy(bytes, name.data(), name.size());
-  }
-  return ref;
-}
 
 template <typename RecordType>
 ENameMatch MatchName(const Name& name, const RecordType& record) {
@@ -89,12 +59,15 @@ Arena::Ref LevelTable::FindCategoryRef(const Name& name) const {
 
 Arena::Ref LevelTable::FindRef(const NamePair& names) const {
   return preference_index_.Find<PreferenceRecord>(
-      arena_, names.hash, [this, &names](const PreferenceRecord& preference) {
-        const ENameMatch match = MatchName(names.key, preference);
-        return match == ENameMatch::kNone
-                   ? match
-                   : std::min(match, MatchName(names.category, CategoryAt(preference.category)));
-      });
+      arena_, names.hash,
+      [&](const PreferenceRecord& preference) { return Match(names, preference); });
+}
+
+ENameMatch LevelTable::Match(const NamePair& names, const PreferenceRecord& preference) const {
+  const ENameMatch match = MatchName(names.key, preference);
+  return match == ENameMatch::kNone
+             ? match
+             : std::min(match, MatchName(names.category, CategoryAt(preference.category)));
 }
 
 const CategoryRecord* LevelTable::FindCategory(const Name& name) const {
@@ -170,39 +143,50 @@ void LevelTable::Assign(PreferenceRecord& preference, const StoredValue& value) 
   preference.kind = content.kind & 7;
   preference.text_capacity = content.text_capacity;
   preference.value = content.value;
-  DropWaste();
 }
 
 void LevelTable::Set(const NamePair& names, const StoredValue& value) {
-  if (PreferenceRecord* const found = Find(names)) {
-    Assign(*found, value);
-  } else {
+  const Ref found = FindRef(names);
+  if (found == Arena::kNone) {
     Add(names, value);
+    return;
   }
-}
-
-bool LevelTable::Erase(const NamePair& names) {
-  bool erased = false;
-  while (PreferenceRecord* const found = Find(names)) {
-    EraseRecord(*found);
-    CategoryRecord& category = CategoryAt(found->category);
-    if (--category.count == 0) {
-      EraseRecord(category);
-    }
-    erased = true;
-  }
+  Assign(PreferenceAt(found), value);
+  EraseAllBut(found, names);
   DropWaste();
-  return erased;
 }
 
-bool LevelTable::EraseCategory(const Name& name) {
-  bool erased = false;
+void LevelTable::Erase(const NamePair& names) {
+  EraseAllBut(Arena::kNone, names);
+  DropWaste();
+}
+
+void LevelTable::EraseCategory(const Name& name) {
   for (Ref ref = FindCategoryRef(name); ref != Arena::kNone; ref = FindCategoryRef(name)) {
     EmptyCategory(CategoryAt(ref));
     EraseRecord(CategoryAt(ref));
-    erased = true;
   }
-  return erased;
+  DropWaste();
+}
+
+/// Erases the preferences of these names but one, and the categories that they leave empty. There
+/// are several when the C locale has changed.
+void LevelTable::EraseAllBut(Ref kept, const NamePair& names) noexcept {
+  Ref next = Arena::kNone;
+  for (Ref ref = preference_index_.First(names.hash); ref != Arena::kNone; ref = next) {
+    PreferenceRecord& preference = PreferenceAt(ref);
+    next = preference.next_of_hash;
+    if (ref == kept || preference.hash != names.hash ||
+        preference.kind == PreferenceRecord::kErased ||
+        Match(names, preference) == ENameMatch::kNone) {
+      continue;
+    }
+    EraseRecord(preference);
+    CategoryRecord& category = CategoryAt(preference.category);
+    if (--category.count == 0) {
+      EraseRecord(category);
+    }
+  }
 }
 
 void LevelTable::AddCategory(const Name& name) {
@@ -310,13 +294,14 @@ void LevelTable::EmptyCategory(CategoryRecord& category) noexcept {
 
 /// Makes room in the indexes.
 void LevelTable::ReserveIndex(std::size_t preferences, std::size_t categories) {
-  const auto reserve = [this](const HashIndex& index, std::size_t count, auto fill) {
-    if (count > index.Capacity()) {
-      (this->*fill)(std::max(count, index.Capacity() * 2));
-    }
-  };
-  reserve(preference_index_, indexed_preferences_ + preferences, &LevelTable::FillPreferenceIndex);
-  reserve(category_index_, categories_.size() + categories, &LevelTable::FillCategoryIndex);
+  preferences += indexed_preferences_;
+  categories += categories_.size();
+  if (preferences > preference_index_.Capacity()) {
+    FillPreferenceIndex(std::max(preferences, preference_index_.Capacity() * 2));
+  }
+  if (categories > category_index_.Capacity()) {
+    FillCategoryIndex(std::max(categories, category_index_.Capacity() * 2));
+  }
 }
 
 void LevelTable::FillPreferenceIndex(std::size_t capacity) {

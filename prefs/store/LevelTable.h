@@ -32,9 +32,6 @@ struct NamePair;
 /// refused (std::length_error).
 class LevelTable {
  public:
-  /// In bytes.
-  static constexpr std::uint32_t kLongestName = (1U << 26) - 1;
-
   LevelTable() = default;
   /// Leaves out what is waste.
   LevelTable(const LevelTable& other);
@@ -50,10 +47,6 @@ class LevelTable {
   /// @{
   const CategoryRecord* FindCategory(const Name& name) const;
   const PreferenceRecord* Find(const NamePair& names) const {
-    const Ref ref = FindRef(names);
-    return ref != Arena::kNone ? &PreferenceAt(ref) : nullptr;
-  }
-  PreferenceRecord* Find(const NamePair& names) {
     const Ref ref = FindRef(names);
     return ref != Arena::kNone ? &PreferenceAt(ref) : nullptr;
   }
@@ -73,17 +66,14 @@ class LevelTable {
   /// Adds a preference that is not there.
   void Add(const NamePair& names, const StoredValue& value);
 
-  /// Replaces the value of a preference of this table, which may move it.
-  void Assign(PreferenceRecord& preference, const StoredValue& value);
-
-  /// Adds or replaces.
+  /// Adds or replaces. Of names that became equal by a change of the C locale, one stays.
   void Set(const NamePair& names, const StoredValue& value);
 
-  /// Removes a preference, and its category with the last one; false when there was none.
-  bool Erase(const NamePair& names);
+  /// Removes a preference if it is there, and its category with the last one.
+  void Erase(const NamePair& names);
 
-  /// Removes a category with all it holds; false when there was none.
-  bool EraseCategory(const Name& name);
+  /// Removes a category, if it is there, with all it holds.
+  void EraseCategory(const Name& name);
 
   /// Adds a category that is not there, without a preference.
   void AddCategory(const Name& name);
@@ -126,6 +116,9 @@ class LevelTable {
 
   Ref FindCategoryRef(const Name& name) const;
   Ref FindRef(const NamePair& names) const;
+  ENameMatch Match(const NamePair& names, const PreferenceRecord& preference) const;
+  void Assign(PreferenceRecord& preference, const StoredValue& value);
+  void EraseAllBut(Ref kept, const NamePair& names) noexcept;
 
   Ref NewCategory(std::string_view name, bool ascii, std::uint64_t hash);
   Ref NewPreference(std::string_view name, bool ascii, std::uint32_t hash,

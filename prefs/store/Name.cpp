@@ -17,10 +17,6 @@ using utils::vemora_ustring;
 
 namespace {
 
-constexpr std::size_t Padded(std::size_t size) {
-  return (size + kWordSize - 1) / kWordSize * kWordSize;
-}
-
 /// Narrows what is left of a text behind its last eight-unit word, zeros behind it.
 bool NarrowRest(const CodeUnit* units, std::size_t size, std::uint64_t& word) {
   const std::size_t rest = size % kWordSize;
@@ -124,7 +120,7 @@ Name::Name(std::string_view utf8) : bytes_(short_), size_(utf8.size()) {
   const NameHash hashed = HashName(utf8);
   hash_ = hashed.hash;
   ascii_ = hashed.ascii;
-  std::fill_n(short_, Padded(size_), '\0');
+  std::fill_n(short_, PaddedSize(size_), '\0');
   std::copy(utf8.begin(), utf8.end(), short_);
 }
 
@@ -158,7 +154,7 @@ void Name::KeepLong(std::string_view utf8) {
   hash_ = hashed.hash;
   ascii_ = hashed.ascii;
   size_ = utf8.size();
-  long_ = std::make_unique<char[]>(Padded(size_));
+  long_ = std::make_unique<char[]>(PaddedSize(size_));
   std::copy(utf8.begin(), utf8.end(), long_.get());
   bytes_ = long_.get();
 }

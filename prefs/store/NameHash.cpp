@@ -55,17 +55,6 @@ void AddUnits(NameHasher& hasher, const CodeUnit* units, std::size_t count) {
   }
 }
 
-/// The last bytes of a text, zeros behind them.
-/// @param text the eight bytes before them, too, if there are any
-std::uint64_t LoadRest(std::string_view text, std::size_t rest) {
-  if (text.size() > rest) {
-    return LoadWord(text.data() + rest) >> (8 * (kWordSize - rest));
-  }
-  std::uint64_t word = 0;
-  std::memcpy(&word, text.data(), rest);
-  return word;
-}
-
 }  // namespace
 
 HashKeys MakeHashKeys() {
@@ -99,7 +88,8 @@ NameHash HashName(std::string_view utf8) {
     hasher.AddWord(word);
   }
   if (rest != 0) {
-    const std::uint64_t word = LoadRest(utf8.substr(index - std::min(index, kWordSize)), rest);
+    std::uint64_t word = 0;
+    std::memcpy(&word, utf8.data() + index, rest);
     seen |= word;
     hasher.AddWord(word);
   }

@@ -55,6 +55,18 @@ TEST_F(JsonLocale, ThatChangesUnderTheStoreLosesNothingFromTheFiles) {
   EXPECT_THAT(saved, ::testing::HasSubstr("\"\xC3\x89\": 2"));
 }
 
+TEST_F(JsonLocale, ThatMakesTwoNamesOneKeepsTheValueThatIsWrittenThen) {
+  ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+  store.WriteInt("C", lower, 1);
+  store.WriteInt("C", upper, 2);
+  if (!ChangeToAnotherLocale()) GTEST_SKIP() << "there is no other locale here";
+  store.WriteInt("C", lower, 3);
+  EXPECT_EQ(store.ReadInt("C", upper, 0), 3);
+  OpenStore restarted;
+  Reload(restarted);
+  EXPECT_EQ(restarted.ReadInt("C", lower, 0), 3);
+}
+
 TEST_F(JsonLocale, IsNotChangedByTheStore) {
   if (!ChangeToAnotherLocale()) GTEST_SKIP() << "there is no other locale here";
   const std::string before = std::setlocale(LC_ALL, nullptr);

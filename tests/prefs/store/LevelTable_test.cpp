@@ -27,8 +27,11 @@ bool HasCategory(const LevelTable& table, const vemora_ustring& name) {
   return table.FindCategory(Name(name)) != nullptr;
 }
 
+/// Whether it was there.
 bool EraseCategory(LevelTable& table, const vemora_ustring& name) {
-  return table.EraseCategory(Name(name));
+  const bool found = HasCategory(table, name);
+  table.EraseCategory(Name(name));
+  return found;
 }
 
 TEST(LevelTable, IsEmptyAtFirst) {
@@ -228,7 +231,7 @@ TEST(LevelTable, FindsNamesThatAreLongOrNotAscii) {
 
 TEST(LevelTable, RefusesANameThatItCannotMeasure) {
   const Name key(std::string_view("k"));
-  const std::string longest(LevelTable::kLongestName + 1, 'x');
+  const std::string longest(kLongestName + 1, 'x');
   LevelTable table;
   EXPECT_THROW(table.AddCategory(Name(std::string_view(longest))), std::length_error);
   EXPECT_TRUE(table.IsEmpty());

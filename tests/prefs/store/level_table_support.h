@@ -23,8 +23,12 @@ inline void Set(LevelTable& table, const vemora_ustring& category, const vemora_
   table.Set({category, key}, value);
 }
 
+/// Whether it was there.
 inline bool Erase(LevelTable& table, const vemora_ustring& category, const vemora_ustring& key) {
-  return table.Erase({category, key});
+  const NamePair names(category, key);
+  const bool found = table.Find(names) != nullptr;
+  table.Erase(names);
+  return found;
 }
 
 inline const PreferenceRecord* Find(const LevelTable& table, const vemora_ustring& category,
