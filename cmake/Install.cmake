@@ -22,7 +22,6 @@ target_sources(CommonPreferences PUBLIC
     prefs/PreferencesDefaults.h
     prefs/PreferencesRegistry.h
     prefs/SaveMode.h
-    prefs/store/KnownLevels.h
     prefs/store/LevelMap.h
     prefs/testing/IPreferencesContract.h
     utils/Export.h

@@ -24,9 +24,10 @@ bool IsLevel(EShareLevel level) { return level < kShareLevelCount; }
 /// A level that can hold preferences.
 EShareLevel Usable(EShareLevel level) { return IsLevel(level) ? level : kThisComputerOnly; }
 
-std::optional<EShareLevel> FindLevel(const KnownLevels& known, const NamePair& names) {
-  const std::optional<std::uint32_t> level = known.Find(names);
-  return level.has_value() ? std::optional(static_cast<EShareLevel>(*level)) : std::nullopt;
+std::optional<EShareLevel> FindLevel(const LevelMap& known, const NamePair& names) {
+  const PreferenceRecord* const found = known->Find(names);
+  return found != nullptr ? std::optional(static_cast<EShareLevel>(*found->GetInt()))
+                          : std::nullopt;
 }
 
 /// A dictionary is kept as a category of its own.
@@ -264,7 +265,10 @@ void JsonCommon::WriteValueToMaps(const vemora_ustring& category, const vemora_u
 
 bool JsonCommon::LoadLevel(const vemora_ustring& category, const vemora_ustring& key,
                            const PrefsData& data) {
-  return levelData.Set({category, key}, data.level);
+  const Names names(category, key);
+  const bool is_new = levelData->Find(names.pair) == nullptr;
+  levelData.Own().Set(names.pair, static_cast<int>(data.level));
+  return is_new;
 }
 
 /// Whether nobody has overridden `GetLevel`, so that its answer can be had without hashing the

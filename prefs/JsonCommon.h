@@ -22,7 +22,6 @@
 #include "../utils/vemora_ustring.h"
 #include "IPreferences.h"
 #include "ShareLevel.h"
-#include "store/KnownLevels.h"
 #include "store/LevelMap.h"
 
 #if defined(_MSC_VER)
@@ -194,7 +193,7 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   const vemora_ustring& GetPathOfLock() const;
 
   LevelMaps levels;
-  KnownLevels levelData;
+  LevelMap levelData;  // the share level of each known preference, as an int
   bool dirty = false;
   bool deleteFilesOnExit = false;
   bool savePrefs = true;

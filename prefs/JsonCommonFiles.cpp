@@ -56,7 +56,7 @@ JsonCommon::~JsonCommon() {
 void JsonCommon::LoadPreferences() {
   // Running out of memory is over before anything changes: what one file holds, or half a
   // classification, is not to be saved over the other file.
-  KnownLevels known = MakeKnownLevels();
+  LevelMap known = MakeKnownLevels();
   std::vector<LoadedFile> loaded = Load({SharedFile(), PrivateFile()});
   levelData = std::move(known);
   const bool all_shared = TakeShared(std::move(loaded.front()));

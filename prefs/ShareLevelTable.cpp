@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "prefs/store/LevelTable.h"
 #include "prefs/store/Name.h"
 
 namespace vemora::prefs {
@@ -591,13 +592,13 @@ std::vector<ShareLevelEntry> MakeShareLevelTable() {
   return table;
 }
 
-KnownLevels MakeKnownLevels() {
+LevelMap MakeKnownLevels() {
   // Made once and shared by all stores, for ASCII folds alike in every locale.
-  static const KnownLevels known = [] {
-    KnownLevels levels;
+  static const LevelMap known = [] {
+    LevelMap levels;
     for (const ShareLevelRow& row : kRows) {
       if (row.Level() <= kWindowsOnly) {
-        levels.Set({row.Category(), row.Key()}, row.Level());
+        levels.Own().Set({row.Category(), row.Key()}, static_cast<int>(row.Level()));
       }
     }
     return levels;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "prefs/ShareLevel.h"
-#include "prefs/store/KnownLevels.h"
+#include "prefs/store/LevelMap.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
@@ -25,7 +25,7 @@ std::vector<ShareLevelEntry> MakeShareLevelTable();
 
 /// What the store goes by: the levels of the preferences of this platform, of this computer and of
 /// all. Preferences of other platforms are left out on purpose, and so take the default level.
-KnownLevels MakeKnownLevels();
+LevelMap MakeKnownLevels();
 
 /// One row of the built-in table, as small as it can be. The names are ASCII.
 class ShareLevelRow {

@@ -17,8 +17,8 @@ LoadedFile LoadInPlace(const PreferenceFile& file) {
 }
 
 bool SaveInPlace(const PreferenceFile& file) {
-  const TextBuffer text = WriteFileText(file, file.levels);
-  const bool written = utils::WriteWholeFile(text.View().data(), text.View().size(), file.path);
+  const JsonText text = WriteFileText(file, file.levels);
+  const bool written = utils::WriteWholeFile(text.GetString(), text.GetSize(), file.path);
   if (written && file.changes != nullptr) {
     for (std::size_t level = 0; level < file.count; ++level) {
       file.changes->ForgetChanges(level);

@@ -4,15 +4,13 @@
 #include <functional>
 #include <vector>
 
-#include "prefs/json/LevelsWriter.h"
-
 namespace vemora::prefs {
 
 std::size_t HashOfText(std::string_view text) {
   return std::max<std::size_t>(std::hash<std::string_view>()(text), 1);
 }
 
-TextBuffer WriteFileText(const PreferenceFile& file, const LevelMap* levels) {
+JsonText WriteFileText(const PreferenceFile& file, const LevelMap* levels) {
   std::vector<NamedLevel> named;
   named.reserve(file.count);
   for (std::size_t level = 0; level < file.count; ++level) {

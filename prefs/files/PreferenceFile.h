@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "prefs/json/LevelsReader.h"
-#include "prefs/json/TextBuffer.h"
+#include "prefs/json/LevelsWriter.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
@@ -38,6 +38,6 @@ std::size_t HashOfText(std::string_view text);
 
 /// The text of a file that holds these levels.
 /// @param levels as many as the file has
-TextBuffer WriteFileText(const PreferenceFile& file, const LevelMap* levels);
+JsonText WriteFileText(const PreferenceFile& file, const LevelMap* levels);
 
 }  // namespace vemora::prefs

@@ -45,10 +45,10 @@ class PendingFile {
         return error;
       }
     }
-    const TextBuffer text = WriteFileText(file_, merged_.empty() ? file_.levels : merged_.data());
-    hash_ = HashOfText(text.View());
+    const JsonText text = WriteFileText(file_, merged_.empty() ? file_.levels : merged_.data());
+    hash_ = HashOfText(View(text));
     is_written_ = hash_ == found_hash;
-    return is_written_ ? 0 : replacement_.Write(text.View());
+    return is_written_ ? 0 : replacement_.Write(View(text));
   }
 
   /// Whether nobody has written the file since it was read. Who saves in the other mode takes no

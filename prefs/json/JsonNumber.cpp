@@ -10,6 +10,8 @@ namespace vemora::prefs {
 
 namespace {
 
+constexpr double kHuge = std::numeric_limits<double>::max();
+
 /// Whether the whole text is a number of that type.
 template <typename Number>
 bool Reads(std::string_view text, Number& number) {
@@ -19,25 +21,20 @@ bool Reads(std::string_view text, Number& number) {
 }
 
 /// The power of ten by which a number is multiplied.
-std::int64_t ReadPower(std::string_view digits) {
-  if (!digits.empty() && digits.front() == '+') {
-    digits.remove_prefix(1);
-  }
-  std::int64_t power = 0;
-  if (digits.empty() || Reads(digits, power)) {
-    return power;
-  }
-  constexpr std::int64_t kHuge = std::numeric_limits<std::int64_t>::max() / 2;
-  return digits.front() == '-' ? -kHuge : kHuge;
+double ReadPower(std::string_view digits) {
+  double power = digits.front() == '-' ? -kHuge : kHuge;  // unless a double can hold it
+  digits.remove_prefix(digits.front() == '+' ? 1 : 0);
+  Reads(digits, power);
+  return power;
 }
 
 /// Whether a number other than zero is below one.
 bool IsBelowOne(std::string_view text) {
   const std::size_t end = std::min(text.find_first_of("eE"), text.size());
   const std::string_view digits = text.substr(0, end);
-  const auto first = static_cast<std::int64_t>(digits.find_first_of("123456789"));
-  const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
-  const std::int64_t power = end < text.size() ? ReadPower(text.substr(end + 1)) : 0;
+  const auto first = static_cast<double>(digits.find_first_of("123456789"));
+  const auto point = static_cast<double>(std::min(digits.find('.'), digits.size()));
+  const double power = end < text.size() ? ReadPower(text.substr(end + 1)) : 0;
   return point - first + power <= 0;
 }
 

@@ -60,7 +60,7 @@ class LevelsHandler {
   bool Key(const char* name, SizeType size, bool /*copy*/) {
     name_ = {name, size};
     members_ += IsIn(kRoot) ? 1 : 0;
-    return size <= LevelTable::kLongestName;
+    return size <= kLongestName;
   }
 
   bool StartObject() {

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "prefs/json/JsonAllocator.h"
 #include "prefs/store/LevelTable.h"
 
 namespace vemora::prefs {
@@ -13,7 +12,7 @@ namespace vemora::prefs {
 namespace {
 
 using Utf8 = rapidjson::UTF8<>;
-using Writer = rapidjson::PrettyWriter<TextBuffer, Utf8, Utf8, JsonAllocator>;
+using Writer = rapidjson::PrettyWriter<JsonText, Utf8, Utf8, JsonAllocator>;
 
 rapidjson::SizeType SizeOf(std::string_view text) {
   return static_cast<rapidjson::SizeType>(text.size());
@@ -52,12 +51,13 @@ void WriteLevel(Writer& writer, const LevelTable& level) {
 
 }  // namespace
 
-TextBuffer WriteLevels(const std::vector<NamedLevel>& levels) {
+JsonText WriteLevels(const std::vector<NamedLevel>& levels) {
   std::size_t expected_size = 1024;
   for (const NamedLevel& named : levels) {
     expected_size += named.level->MemoryUsed();
   }
-  TextBuffer text(expected_size);
+  static JsonAllocator allocator;
+  JsonText text(&allocator, expected_size);
   Writer writer(text);
   writer.SetIndent(' ', 4);
   writer.StartObject();

@@ -2,10 +2,13 @@
 /// Writes the text of the preference files. Internal to the library.
 #pragma once
 
+#include <rapidjson/stringbuffer.h>
+
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "prefs/json/TextBuffer.h"
+#include "prefs/json/JsonAllocator.h"
 
 namespace vemora::prefs {
 
@@ -16,7 +19,12 @@ struct NamedLevel {
   const LevelTable* level;
 };
 
+/// Text as RapidJSON writes it.
+using JsonText = rapidjson::GenericStringBuffer<rapidjson::UTF8<>, JsonAllocator>;
+
+inline std::string_view View(const JsonText& text) { return {text.GetString(), text.GetSize()}; }
+
 /// The levels as text that `ReadLevels` reads, indented by four blanks, names in ascending order.
-TextBuffer WriteLevels(const std::vector<NamedLevel>& levels);
+JsonText WriteLevels(const std::vector<NamedLevel>& levels);
 
 }  // namespace vemora::prefs

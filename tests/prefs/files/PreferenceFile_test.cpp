@@ -18,9 +18,9 @@ TEST(HashOfText, DiffersWithTheText) {
 }
 
 TEST_F(PreferenceFileTest, HasTheGivenLevelsUnderTheirNames) {
-  EXPECT_EQ(prefs::WriteFileText(File(), levels.data()).View(), TextOfLevels(1, 2));
+  EXPECT_EQ(View(prefs::WriteFileText(File(), levels.data())), TextOfLevels(1, 2));
   const std::array<LevelMap, 2> others = {levels[1], levels[0]};
-  EXPECT_EQ(prefs::WriteFileText(File(), others.data()).View(), TextOfLevels(2, 1));
+  EXPECT_EQ(View(prefs::WriteFileText(File(), others.data())), TextOfLevels(2, 1));
 }
 
 }  // namespace

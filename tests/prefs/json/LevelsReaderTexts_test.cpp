@@ -47,7 +47,7 @@ TEST_P(TextOfAFile, IsKeptInNames) {
 TEST_P(TextOfAFile, IsReadBackEqualWhenItWasWritten) {
   const LevelMap level =
       ReadLevel(FileOf("\"" + GetParam().spelling + "\": \"" + GetParam().spelling + "\""));
-  const LevelMap again = ReadLevel(WriteLevels({{"0", &*level}}).View());
+  const LevelMap again = ReadLevel(View(WriteLevels({{"0", &*level}})));
   EXPECT_EQ(TextOf(*again, "C", Utf8(text)), text);
 }
 

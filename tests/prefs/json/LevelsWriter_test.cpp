@@ -18,7 +18,7 @@ using utils::Variant;
 using utils::vemora_ustring;
 
 std::string Write(const LevelTable& level) {
-  return std::string(WriteLevels({{"Level", &level}}).View());
+  return std::string(View(WriteLevels({{"Level", &level}})));
 }
 
 /// The text of a level with one category, "C", with these members.
@@ -27,13 +27,13 @@ std::string LevelOf(std::string_view members) {
          "\n        }\n    }\n}";
 }
 
-TEST(LevelsWriter, WritesNoLevelAsAnEmptyObject) { EXPECT_EQ(WriteLevels({}).View(), "{}"); }
+TEST(LevelsWriter, WritesNoLevelAsAnEmptyObject) { EXPECT_EQ(View(WriteLevels({})), "{}"); }
 
 TEST(LevelsWriter, WritesLevelsInTheirOrderWithTheirNames) {
   LevelTable first;
   LevelTable second;
   Set(first, "C", "k", 1);
-  EXPECT_EQ(WriteLevels({{"b", &first}, {"a \xC3\xA4\"", &second}}).View(),
+  EXPECT_EQ(View(WriteLevels({{"b", &first}, {"a \xC3\xA4\"", &second}})),
             "{\n"
             "    \"b\": {\n"
             "        \"C\": {\n"
