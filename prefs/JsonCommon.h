@@ -26,7 +26,8 @@
 
 #if defined(_MSC_VER)
 #pragma warning(push)
-#pragma warning(disable : 4251)  // the members are private; host and library share one runtime
+// Bases and private members are not exported: host and library share one runtime.
+#pragma warning(disable : 4251 4275)
 #endif
 
 namespace vemora::prefs {

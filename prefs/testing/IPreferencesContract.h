@@ -87,7 +87,7 @@ class Contract : public ::testing::TestWithParam<BackEnd> {
 using ContractRead = Contract;
 
 TEST_P(ContractRead, ReturnsTheIntDefaultForAnAbsentKey) {
-  constexpr int kDefault = std::numeric_limits<int>::min();
+  constexpr int kDefault = (std::numeric_limits<int>::min)();
   EXPECT_EQ(preferences().ReadInt(category_, key_, kDefault), kDefault);
 }
 
@@ -140,7 +140,7 @@ using ContractWrite = Contract;
 
 TEST_P(ContractWrite, OfAnIntIsReadBack) {
   for (const int value :
-       {0, -5, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+       {0, -5, (std::numeric_limits<int>::min)(), (std::numeric_limits<int>::max)()}) {
     EXPECT_TRUE(preferences().WriteInt(category_, key_, value));
     EXPECT_EQ(preferences().ReadInt(category_, key_, 1), value);
   }
