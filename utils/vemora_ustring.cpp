@@ -40,7 +40,9 @@ std::size_t ConvertibleLength(const char* text) {
   std::size_t index = 0;
   std::mbstate_t state = {};
   while (index < length) {
-    const std::size_t step = std::mbrlen(text + index, length - index, &state);
+    // Not mbrlen: some C libraries count a lead byte and any byte behind it as a character.
+    wchar_t character = 0;
+    const std::size_t step = std::mbrtowc(&character, text + index, length - index, &state);
     if (step == 0 || step > length - index) {
       break;
     }
