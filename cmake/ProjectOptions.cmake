@@ -24,6 +24,25 @@ if(MINGW)
   target_link_options(CommonPreferencesOptions INTERFACE -static)
 endif()
 
+# Two builds of the same sources give the same bytes, whenever and wherever they are made.
+if(MSVC)
+  target_compile_options(CommonPreferencesOptions INTERFACE /Brepro)
+  target_link_options(CommonPreferencesOptions INTERFACE /Brepro)
+elseif(MINGW)
+  target_link_options(CommonPreferencesOptions INTERFACE LINKER:--no-insert-timestamp)
+endif()
+
+# use_relative_paths(TARGET...): what GCC makes names no folder of this machine, unless it is a Debug
+# build, whose debugger is to find the sources.
+function(use_relative_paths)
+  foreach(target IN LISTS ARGN)
+    foreach(folder IN ITEMS ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
+      target_compile_options(${target}
+        PRIVATE $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${folder}=.>)
+    endforeach()
+  endforeach()
+endfunction()
+
 # The checks of the standard library, where it is GCC's.
 target_compile_definitions(CommonPreferencesOptions INTERFACE
   $<$<AND:$<CONFIG:Debug>,$<NOT:$<BOOL:${MSVC}>>>:_GLIBCXX_ASSERTIONS>)
