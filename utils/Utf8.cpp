@@ -51,6 +51,30 @@ bool DecodeSequence(std::string_view utf8, std::size_t& index, char32_t& point) 
   return lead.length != 0;
 }
 
+/// Writes a code point as one to four bytes.
+/// @return the end of what it wrote
+char* WriteCodePoint(char* out, char32_t point) {
+  const auto tail = [point](int shift) {
+    return static_cast<char>(0x80 | ((point >> shift) & 0x3F));
+  };
+  if (point < 0x80) {
+    *out++ = static_cast<char>(point);
+  } else if (point < 0x800) {
+    *out++ = static_cast<char>(0xC0 | (point >> 6));
+    *out++ = tail(0);
+  } else if (point < 0x10000) {
+    *out++ = static_cast<char>(0xE0 | (point >> 12));
+    *out++ = tail(6);
+    *out++ = tail(0);
+  } else {
+    *out++ = static_cast<char>(0xF0 | (point >> 18));
+    *out++ = tail(12);
+    *out++ = tail(6);
+    *out++ = tail(0);
+  }
+  return out;
+}
+
 constexpr bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 constexpr bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
@@ -68,30 +92,21 @@ bool IsWellFormedUtf8(std::string_view text) {
 }
 
 void AppendUtf8(std::string& utf8, char32_t point) {
-  const auto tail = [point](int shift) {
-    return static_cast<char>(0x80 | ((point >> shift) & 0x3F));
-  };
-  if (point < 0x80) {
-    utf8.push_back(static_cast<char>(point));
-  } else if (point < 0x800) {
-    utf8.push_back(static_cast<char>(0xC0 | (point >> 6)));
-    utf8.push_back(tail(0));
-  } else if (point < 0x10000) {
-    utf8.push_back(static_cast<char>(0xE0 | (point >> 12)));
-    utf8.push_back(tail(6));
-    utf8.push_back(tail(0));
-  } else {
-    utf8.push_back(static_cast<char>(0xF0 | (point >> 18)));
-    utf8.push_back(tail(12));
-    utf8.push_back(tail(6));
-    utf8.push_back(tail(0));
-  }
+  char bytes[4];
+  utf8.append(bytes, WriteCodePoint(bytes, point));
 }
 
 void AppendUtf8(std::string& utf8, std::basic_string_view<CodeUnit> units) {
   for (std::size_t index = 0; index < units.size();) {
     AppendUtf8(utf8, ReadCodePoint(units, index));
   }
+}
+
+char* WriteUtf8(char* out, std::basic_string_view<CodeUnit> units) {
+  for (std::size_t index = 0; index < units.size();) {
+    out = WriteCodePoint(out, ReadCodePoint(units, index));
+  }
+  return out;
 }
 
 void AppendUtf16(std::basic_string<CodeUnit>& units, std::string_view utf8) {

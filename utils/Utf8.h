@@ -14,6 +14,14 @@ namespace vemora::utils {
 /// exist.
 bool IsWellFormedUtf8(std::string_view text);
 
+/// Writes UTF-16 text. A lone surrogate becomes its own 3-byte sequence.
+/// @param out has room for `kMostBytesOfUnit` bytes for each unit
+/// @return the end of what it wrote
+char* WriteUtf8(char* out, std::basic_string_view<CodeUnit> units);
+
+/// How many bytes of UTF-8 a code unit takes at most.
+constexpr std::size_t kMostBytesOfUnit = 3;
+
 /// Appends a code point, which may be a lone surrogate, as one to four bytes.
 void AppendUtf8(std::string& utf8, char32_t point);
 

@@ -75,6 +75,18 @@ constexpr std::uint64_t FoldWord(std::uint64_t word) {
   return word - (lower >> 2);
 }
 
+/// Whether ASCII texts of one size, both padded with zeros, differ in case at most.
+inline bool EqualsAscii(const char* left, const char* right, std::size_t size) {
+  for (std::size_t index = 0; index < size; index += kWordSize) {
+    const std::uint64_t left_word = LoadWord(left + index);
+    const std::uint64_t right_word = LoadWord(right + index);
+    if (left_word != right_word && FoldWord(left_word) != FoldWord(right_word)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 /// The letters in upper case, and 0xFF for I and S.
 /// @param word ASCII
 inline std::uint64_t ClassifyWord(std::uint64_t word) {

@@ -35,18 +35,6 @@ bool NarrowRest(const CodeUnit* units, std::size_t size, std::uint64_t& word) {
   return utils::IsAscii(any);
 }
 
-/// Whether ASCII texts of one size, both padded with zeros, differ in case at most.
-bool EqualsAscii(const char* left, const char* right, std::size_t size) {
-  for (std::size_t index = 0; index < size; index += kWordSize) {
-    const std::uint64_t left_word = LoadWord(left + index);
-    const std::uint64_t right_word = LoadWord(right + index);
-    if (left_word != right_word && FoldWord(left_word) != FoldWord(right_word)) {
-      return false;
-    }
-  }
-  return true;
-}
-
 bool ContinuesSequence(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 
 /// How many characters at the start are the same, in bytes.
@@ -106,7 +94,12 @@ int CompareUnits(UnitReader left, UnitReader right) {
 // The bytes of a short name are written before they are read.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 Name::Name(const vemora_ustring& name) : bytes_(short_), size_(name.size()), ascii_(true) {
-  if (size_ > kShortName || !CopyAscii(name)) {
+  if (size_ <= kShortName && CopyAscii(name)) {
+    return;
+  }
+  if (size_ * utils::kMostBytesOfUnit <= kShortName) {
+    EncodeShort(name);
+  } else {
     KeepLong(name.ToUtf8());
   }
 }
@@ -149,6 +142,13 @@ bool Name::CopyAscii(const vemora_ustring& name) {
   return true;
 }
 
+void Name::EncodeShort(const vemora_ustring& name) {
+  ascii_ = false;
+  hash_ = HashName(name);
+  std::fill_n(short_, kShortName, '\0');
+  size_ = static_cast<std::size_t>(utils::WriteUtf8(short_, name) - short_);
+}
+
 void Name::KeepLong(std::string_view utf8) {
   const NameHash hashed = HashName(utf8);
   hash_ = hashed.hash;
@@ -159,11 +159,7 @@ void Name::KeepLong(std::string_view utf8) {
   bytes_ = long_.get();
 }
 
-ENameMatch Name::Match(std::string_view stored, bool storedIsAscii) const {
-  if (ascii_ && storedIsAscii) {
-    const bool same = stored.size() == size_ && EqualsAscii(stored.data(), bytes_, size_);
-    return same ? ENameMatch::kExact : ENameMatch::kNone;
-  }
+ENameMatch Name::MatchUnits(std::string_view stored) const {
   if (stored == Utf8()) {
     return ENameMatch::kExact;
   }

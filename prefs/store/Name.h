@@ -7,6 +7,7 @@
 #include <memory>
 #include <string_view>
 
+#include "prefs/store/AsciiWord.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
@@ -36,16 +37,24 @@ class Name {
 
   /// Whether `CompareNoCase` takes a stored name for this one.
   /// @param stored has zeros behind it up to a multiple of eight bytes
-  ENameMatch Match(std::string_view stored, bool storedIsAscii) const;
+  ENameMatch Match(std::string_view stored, bool storedIsAscii) const {
+    if (!ascii_ || !storedIsAscii) {
+      return MatchUnits(stored);
+    }
+    return stored.size() == size_ && EqualsAscii(stored.data(), bytes_, size_) ? ENameMatch::kExact
+                                                                               : ENameMatch::kNone;
+  }
 
  private:
-  static constexpr std::size_t kShortName = 64;
+  static constexpr std::size_t kShortName = 96;
 
+  ENameMatch MatchUnits(std::string_view stored) const;
   bool CopyAscii(const utils::vemora_ustring& name);
+  void EncodeShort(const utils::vemora_ustring& name);
   void KeepLong(std::string_view utf8);
 
   char short_[kShortName];
-  std::unique_ptr<char[]> long_;  // of a longer name, or one that is not ASCII
+  std::unique_ptr<char[]> long_;  // of a longer name
   const char* bytes_;             // with zeros behind them up to a multiple of eight
   std::size_t size_;
   std::uint64_t hash_;
