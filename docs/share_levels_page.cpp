@@ -29,10 +29,10 @@ struct Level {
 std::array<Level, kShareLevelCount> CollectLevels() {
   std::array<Level, kShareLevelCount> levels;
   for (const ShareLevelRow& row : ShareLevelRows()) {
-    Level& level = levels[row.Level()];
+    Level& level = levels[row.level];
     ++level.count;
-    level.categories[vemora_ustring::FromUtf8(row.Category())].emplace(
-        vemora_ustring::FromUtf8(row.Key()), row.Key());
+    level.categories[vemora_ustring::FromUtf8(row.category)].emplace(
+        vemora_ustring::FromUtf8(row.key), row.key);
   }
   return levels;
 }

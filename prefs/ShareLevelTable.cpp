@@ -1,6 +1,9 @@
 #include "prefs/ShareLevelTable.h"
 
+#include <array>
+#include <cstddef>
 #include <iterator>
+#include <string_view>
 
 #include "prefs/store/LevelTable.h"
 #include "prefs/store/Name.h"
@@ -576,18 +579,66 @@ constexpr ShareLevelRow kRows[] = {
     {"TrovemartToolPalette", "Quillane.Visible", kWindowsOnly},
 };
 
+/// Calls `put` with each character of the text that the rows are kept as.
+template <typename Put>
+constexpr void PackRows(Put put) {
+  std::string_view category;
+  for (const ShareLevelRow& row : kRows) {
+    put(static_cast<char>('0' + row.level));
+    for (const char character : row.category == category ? std::string_view() : row.category) {
+      put(character);
+    }
+    put('\0');
+    for (const char character : row.key) {
+      put(character);
+    }
+    put('\0');
+    category = row.category;
+  }
+}
+
+constexpr std::size_t MeasureRows() {
+  std::size_t size = 0;
+  PackRows([&size](char /*character*/) { ++size; });
+  return size;
+}
+
+/// A third of what an array of rows takes.
+constexpr auto kPackedRows = [] {
+  std::array<char, MeasureRows()> text{};
+  std::size_t size = 0;
+  PackRows([&text, &size](char character) { text[size++] = character; });
+  return text;
+}();
+
 }  // namespace
 
-const ShareLevelRow* ShareLevelRows::begin() const { return std::begin(kRows); }
+const ShareLevelRow& ShareLevelRows::Iterator::operator*() {
+  const std::string_view category = text_ + 1;
+  row_.level = static_cast<EShareLevel>(*text_ - '0');
+  row_.category = category.empty() ? row_.category : category;
+  row_.key = category.data() + category.size() + 1;
+  return row_;
+}
 
-const ShareLevelRow* ShareLevelRows::end() const { return std::end(kRows); }
+ShareLevelRows::Iterator& ShareLevelRows::Iterator::operator++() {
+  const std::string_view key = operator*().key;
+  text_ = key.data() + key.size() + 1;
+  return *this;
+}
+
+ShareLevelRows::Iterator ShareLevelRows::begin() { return Iterator(kPackedRows.data()); }
+
+ShareLevelRows::Iterator ShareLevelRows::end() {
+  return Iterator(kPackedRows.data() + kPackedRows.size());
+}
 
 std::vector<ShareLevelEntry> MakeShareLevelTable() {
   std::vector<ShareLevelEntry> table;
   table.reserve(std::size(kRows));
-  for (const ShareLevelRow& row : kRows) {
-    table.push_back({vemora_ustring::FromUtf8(row.Category()), vemora_ustring::FromUtf8(row.Key()),
-                     static_cast<std::int32_t>(row.Level())});
+  for (const ShareLevelRow& row : ShareLevelRows()) {
+    table.push_back({vemora_ustring::FromUtf8(row.category), vemora_ustring::FromUtf8(row.key),
+                     static_cast<std::int32_t>(row.level)});
   }
   return table;
 }
@@ -596,9 +647,9 @@ LevelMap MakeKnownLevels() {
   // Made once and shared by all stores, for ASCII folds alike in every locale.
   static const LevelMap known = [] {
     LevelMap levels;
-    for (const ShareLevelRow& row : kRows) {
-      if (row.Level() <= kWindowsOnly) {
-        levels.Own().Set({row.Category(), row.Key()}, static_cast<int>(row.Level()));
+    for (const ShareLevelRow& row : ShareLevelRows()) {
+      if (row.level <= kWindowsOnly) {
+        levels.Own().Set({row.category, row.key}, static_cast<int>(row.level));
       }
     }
     return levels;

@@ -27,36 +27,32 @@ std::vector<ShareLevelEntry> MakeShareLevelTable();
 /// all. Preferences of other platforms are left out on purpose, and so take the default level.
 LevelMap MakeKnownLevels();
 
-/// One row of the built-in table, as small as it can be. The names are ASCII.
-class ShareLevelRow {
- public:
-  template <std::size_t kCategorySize, std::size_t kKeySize>
-  constexpr ShareLevelRow(const char (&category)[kCategorySize], const char (&key)[kKeySize],
-                          EShareLevel level)
-      : category_(category),
-        key_(key),
-        category_length_(kCategorySize - 1),
-        key_length_(kKeySize - 1),
-        level_(static_cast<std::uint8_t>(level)) {
-    static_assert(kCategorySize <= 256 && kKeySize <= 256);
-  }
-
-  std::string_view Category() const { return {category_, category_length_}; }
-  std::string_view Key() const { return {key_, key_length_}; }
-  EShareLevel Level() const { return static_cast<EShareLevel>(level_); }
-
- private:
-  const char* category_;
-  const char* key_;
-  std::uint8_t category_length_;
-  std::uint8_t key_length_;
-  std::uint8_t level_;
+/// One row of the built-in table. The names are ASCII.
+struct ShareLevelRow {
+  std::string_view category;
+  std::string_view key;
+  EShareLevel level;
 };
 
-/// The same rows as they are built in.
-struct ShareLevelRows {
-  const ShareLevelRow* begin() const;
-  const ShareLevelRow* end() const;
+/// The rows as they are built in: one text, in which each row is its level as a digit, its
+/// category, which is empty if it is that of the row before, and its key, both ended by a zero.
+class ShareLevelRows {
+ public:
+  class Iterator {
+   public:
+    explicit Iterator(const char* text) : text_(text) {}
+
+    const ShareLevelRow& operator*();
+    Iterator& operator++();
+    bool operator!=(const Iterator& other) const { return text_ != other.text_; }
+
+   private:
+    const char* text_;
+    ShareLevelRow row_ = {{}, {}, kNoShareLevel};
+  };
+
+  static Iterator begin();
+  static Iterator end();
 };
 
 }  // namespace vemora::prefs
