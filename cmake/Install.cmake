@@ -17,6 +17,7 @@ target_sources(CommonPreferences PUBLIC
   FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES
     prefs/IPreferences.h
     prefs/JsonCommon.h
+    prefs/LoadResult.h
     prefs/Preferences.h
     prefs/PreferencesBase.h
     prefs/PreferencesDefaults.h

@@ -366,7 +366,8 @@ Levels ReadWithLibrary(std::string_view text) {
   // As large as it must be, so that reading behind it is noticed.
   const auto buffer = std::make_unique<char[]>(text.size() + 1);
   std::copy(text.begin(), text.end(), buffer.get());
-  const auto loaded = vemora::prefs::ReadLevels(buffer.get(), text.size(), kLevels);
+  vemora::prefs::TextFindings findings;
+  const auto loaded = vemora::prefs::ReadLevels(buffer.get(), text.size(), kLevels, findings);
   Check(loaded.size() == kLevels, "there is an answer for each level");
   Levels levels;
   for (std::size_t level = 0; level < kLevels; ++level) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "prefs/JsonCommonInside.h"
+#include "prefs/LoadResultState.h"
 #include "prefs/SaveModeState.h"
 #include "prefs/ShareLevelTable.h"
 #include "prefs/files/InPlaceFiles.h"
@@ -38,6 +39,36 @@ bool Take(LoadedFile&& loaded, const PreferenceFile& file) noexcept {
   return provided == file.count;
 }
 
+ELoadResult ResultOf(const LoadedFile& loaded) {
+  if (loaded.levels.has_value()) {
+    return ProvideNothing(*loaded.levels) ? ELoadResult::kMalformed : ELoadResult::kLoaded;
+  }
+  if (loaded.exists) {
+    return ELoadResult::kEmpty;
+  }
+  return loaded.error != 0 ? ELoadResult::kUnreadable : ELoadResult::kMissing;
+}
+
+/// What a host is told of a load.
+FileLoadResult Describe(const LoadedFile& loaded, const vemora_ustring& path) {
+  FileLoadResult found;
+  if (path.empty()) {
+    return found;
+  }
+  found.path = path;
+  found.result = ResultOf(loaded);
+  found.error = loaded.error;
+  found.line = loaded.line;
+  found.column = loaded.column;
+  const TextFindings& findings = loaded.findings;
+  found.skipped = {findings.nulls, findings.large_integers, findings.arrays, findings.objects,
+                   findings.misplaced};
+  if (found.result == ELoadResult::kMalformed) {
+    found.message = findings.error != nullptr ? findings.error : "The root holds no share level.";
+  }
+  return found;
+}
+
 }  // namespace
 
 JsonCommon::~JsonCommon() {
@@ -58,10 +89,12 @@ void JsonCommon::LoadPreferences() {
   // classification, is not to be saved over the other file.
   LevelMap known = MakeKnownLevels();
   std::vector<LoadedFile> loaded = Load({SharedFile(), PrivateFile()});
+  LoadResult found = {Describe(loaded.back(), privatePath), Describe(loaded.front(), sharedPath)};
   levelData = std::move(known);
   const bool all_shared = TakeShared(std::move(loaded.front()));
   const bool all_private = Take(std::move(loaded.back()), PrivateFile());
   unrecordedChanges = unrecordedChanges && !(all_shared && all_private);
+  LastLoadResult() = std::move(found);
 }
 
 void JsonCommon::SavePreferences() {
@@ -117,12 +150,19 @@ void JsonCommon::SetPaths(const vemora_ustring& newPrivatePath,
 
 void JsonCommon::LoadLevelData() { levelData = MakeKnownLevels(); }
 
-void JsonCommon::LoadSharedPreferences() { TakeShared(std::move(Load({SharedFile()}).front())); }
+void JsonCommon::LoadSharedPreferences() {
+  std::vector<LoadedFile> loaded = Load({SharedFile()});
+  FileLoadResult found = Describe(loaded.front(), sharedPath);
+  TakeShared(std::move(loaded.front()));
+  LastLoadResult().shared_file = std::move(found);
+}
 
 void JsonCommon::LoadPrivatePreferences() {
   // The file is asked for anew after the load, which may be what makes the record of its changes.
   std::vector<LoadedFile> loaded = Load({PrivateFile()});
+  FileLoadResult found = Describe(loaded.front(), privatePath);
   Take(std::move(loaded.front()), PrivateFile());
+  LastLoadResult().private_file = std::move(found);
 }
 
 void JsonCommon::SaveSharedPreferences() {
@@ -143,13 +183,21 @@ void JsonCommon::SavePrivatePreferences() {
 }
 
 PreferenceFile JsonCommon::SharedFile() {
-  return {sharedPath, &levels[kSharedForAllComputers], &kShareLevelNames[kSharedForAllComputers],
-          Changes::kSharedLevels, changes != nullptr ? &changes->shared_file : nullptr};
+  return {sharedPath,
+          &levels[kSharedForAllComputers],
+          &kShareLevelNames[kSharedForAllComputers],
+          Changes::kSharedLevels,
+          changes != nullptr ? &changes->shared_file : nullptr,
+          KeepsUnreadableFiles()};
 }
 
 PreferenceFile JsonCommon::PrivateFile() {
-  return {privatePath, &levels[kThisComputerOnly], &kShareLevelNames[kThisComputerOnly], 1,
-          changes != nullptr ? &changes->private_file : nullptr};
+  return {privatePath,
+          &levels[kThisComputerOnly],
+          &kShareLevelNames[kThisComputerOnly],
+          1,
+          changes != nullptr ? &changes->private_file : nullptr,
+          KeepsUnreadableFiles()};
 }
 
 /// Whether the file provided all levels.

@@ -1,5 +1,6 @@
 #include "prefs/Preferences.h"
 
+#include "prefs/LoadResultState.h"
 #include "prefs/PreferencesJson.h"
 #include "prefs/PreferencesRegistry.h"
 
@@ -70,6 +71,17 @@ EPrefsBits PreferencesExist(EPrefsBits /*ignored*/) {
     }
   }
   return static_cast<EPrefsBits>(bits);
+}
+
+LoadResult GetLastLoadResult() {
+  if (use_json) {
+    return LastLoadResult();
+  }
+  LoadResult found;
+  found.private_file.path = PreferencesRegistry::GetPath();
+  found.private_file.result =
+      PreferencesRegistry::PathExists() ? ELoadResult::kLoaded : ELoadResult::kMissing;
+  return found;
 }
 
 }  // namespace vemora::prefs

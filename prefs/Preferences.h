@@ -6,6 +6,7 @@
 #include "../utils/Export.h"
 #include "../utils/vemora_ustring.h"
 #include "IPreferences.h"
+#include "LoadResult.h"
 #include "SaveMode.h"
 #include "ShareLevel.h"
 

@@ -42,17 +42,21 @@ bool IsSameEntry(const vemora_ustring& left, const vemora_ustring& right) {
   return left_path.empty() || right_path.empty() || EqualNoCase(left_path, right_path);
 }
 
-}  // namespace
-
-std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size) {
+/// Null when the system, or `SetLastError` here, tells why.
+std::unique_ptr<char[]> ReadAll(const vemora_ustring& path, std::size_t* size) {
   if (!CanNameFile(path)) {
+    SetLastError(path.empty() ? ERROR_FILE_NOT_FOUND : ERROR_INVALID_NAME);
     return nullptr;
   }
   const UniqueHandle file(
       ValidOrNull(CreateFileW(path.c_str(), FILE_GENERIC_READ, FILE_SHARE_READ, nullptr,
                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)));
   LARGE_INTEGER file_size = {};
-  if (file == nullptr || GetFileSizeEx(file.get(), &file_size) == 0 || file_size.HighPart != 0) {
+  if (file == nullptr || GetFileSizeEx(file.get(), &file_size) == 0) {
+    return nullptr;
+  }
+  if (file_size.HighPart != 0) {
+    SetLastError(ERROR_FILE_TOO_LARGE);
     return nullptr;
   }
   const DWORD expected = file_size.LowPart;
@@ -66,6 +70,18 @@ std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* s
     *size = count;
   }
   return buffer;
+}
+
+}  // namespace
+
+std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size,
+                                      SystemError* error) {
+  std::unique_ptr<char[]> bytes = ReadAll(path, size);
+  if (error != nullptr) {
+    const SystemError why = bytes == nullptr ? GetLastSystemError() : 0;
+    *error = IsNoFile(why) ? 0 : why;
+  }
+  return bytes;
 }
 
 bool WriteWholeFile(const char* data, std::size_t length, const vemora_ustring& path) {

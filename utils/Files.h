@@ -10,14 +10,17 @@
 #include <vector>
 
 #include "utils/PathText.h"
+#include "utils/SystemError.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::utils {
 
 /// The bytes of a file with one zero behind them; their number goes to `size`, unless that is null.
 /// Null when the file cannot be opened or read, or has 4 GiB or more.
+/// @param error receives why, unless it is null; 0 when there is no file of that name
 /// @throws std::bad_alloc when the file does not fit into memory
-std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size);
+std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size,
+                                      SystemError* error = nullptr);
 
 /// Rewrites the file in place, whether or not it was read-only. A process that is killed meanwhile
 /// leaves a part. A write that the system calls successful but that is short counts as a success.

@@ -67,7 +67,7 @@ FileBytes ReadFileBytes(const vemora_ustring& path) {
   result.error = Retry(open, [](SystemError error) {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
   });
-  if (result.error == ERROR_FILE_NOT_FOUND || result.error == ERROR_PATH_NOT_FOUND) {
+  if (IsNoFile(result.error)) {
     return {};
   }
   if (result.error == 0) {
@@ -117,9 +117,7 @@ SystemError ReplaceFileAtomically(const vemora_ustring& from, const vemora_ustri
     return ErrorUnless(
         MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
   };
-  const SystemError error = Retry(move, [](SystemError each) {
-    return each != ERROR_FILE_NOT_FOUND && each != ERROR_PATH_NOT_FOUND;
-  });
+  const SystemError error = Retry(move, [](SystemError each) { return !IsNoFile(each); });
   if (error != 0 && read_only) {
     SetFileAttributesW(to.c_str(), attributes);
   }

@@ -28,6 +28,11 @@ SystemError GetLastSystemError();
 /// The same for a call that tells by its result whether it succeeded.
 SystemError ErrorUnless(BOOL success);
 
+/// Whether that error means that there is no file of the name.
+inline bool IsNoFile(SystemError error) {
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
 /// Whether the path can name a file: the system would read one up to its first zero, and so might
 /// act on another file.
 bool CanNameFile(const vemora_ustring& path);

@@ -55,7 +55,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   StartUp(argv[1]);
-  const bool first_run = prefs::PreferencesExist(prefs::kAllPrefs) == prefs::kNoPrefs;
+  const prefs::LoadResult found = prefs::GetLastLoadResult();
+  const bool first_run = found.private_file.result == prefs::ELoadResult::kMissing &&
+                         found.shared_file.result == prefs::ELoadResult::kMissing;
   std::cout << (first_run ? "first run\n" : "not the first run\n");
   SetDefaults();
   ReadWhatIsThereAndWhatIsNot();

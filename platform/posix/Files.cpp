@@ -1,6 +1,7 @@
 // Stands in for the part of utils/Files.cpp that the JSON store uses.
 #include "utils/Files.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <filesystem>
@@ -15,10 +16,16 @@ std::filesystem::path NativePath(const vemora_ustring& path) { return path.ToUtf
 
 }  // namespace
 
-std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size) {
-  std::error_code error;
-  const auto length = static_cast<std::size_t>(std::filesystem::file_size(NativePath(path), error));
-  std::FILE* const file = error ? nullptr : std::fopen(path.ToUtf8().c_str(), "rb");
+std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size,
+                                      SystemError* error) {
+  std::error_code failure;
+  const auto length =
+      static_cast<std::size_t>(std::filesystem::file_size(NativePath(path), failure));
+  std::FILE* const file = failure ? nullptr : std::fopen(path.ToUtf8().c_str(), "rb");
+  if (error != nullptr) {
+    const bool missing = !std::filesystem::exists(NativePath(path), failure);
+    *error = file != nullptr || missing ? 0 : SystemError{EACCES};
+  }
   if (file == nullptr) {
     return nullptr;
   }

@@ -21,8 +21,12 @@ std::map<vemora_ustring, std::string>& AllFiles() {
 
 }  // namespace
 
-std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size) {
+std::unique_ptr<char[]> ReadWholeFile(const vemora_ustring& path, std::size_t* size,
+                                      SystemError* error) {
   const auto file = AllFiles().find(path);
+  if (error != nullptr) {
+    *error = 0;
+  }
   if (file == AllFiles().end()) {
     return nullptr;
   }

@@ -34,13 +34,12 @@ FileBytes ReadFileBytes(const vemora_ustring& path) {
     return {};
   }
   std::size_t size = 0;
-  const std::unique_ptr<char[]> bytes = ReadWholeFile(path, &size);
+  SystemError error = 0;
+  const std::unique_ptr<char[]> bytes = ReadWholeFile(path, &size, &error);
   if (bytes != nullptr) {
     return {std::string(bytes.get(), size), 0};
   }
-  std::error_code ignored;
-  const bool exists = std::filesystem::exists(NativePath(path), ignored);
-  return {std::nullopt, exists ? SystemError{EACCES} : 0};
+  return {std::nullopt, error};
 }
 
 SystemError WriteFileFlushed(const vemora_ustring& path, std::string_view bytes) {

@@ -73,9 +73,9 @@ class PendingFile {
   /// Makes the own changes in what others saved since this store saw the file.
   /// @param found is overwritten
   SystemError Merge(std::string& found) {
-    LoadedLevels theirs = ReadLevels(found.data(), found.size(), file_.count);
-    if (std::none_of(theirs.begin(), theirs.end(),
-                     [](const auto& level) { return level.has_value(); })) {
+    TextFindings ignored;
+    LoadedLevels theirs = ReadLevels(found.data(), found.size(), file_.count, ignored);
+    if (ProvideNothing(theirs)) {
       return KeepBadFile(file_.path);
     }
     for (std::size_t level = 0; level < file_.count; ++level) {
@@ -122,11 +122,16 @@ bool IsOneFile(const std::vector<PreferenceFile>& files) {
 
 LoadedFile Load(const PreferenceFile& file) {
   utils::FileBytes read = utils::ReadFileBytes(file.path);
-  if (!read.bytes.has_value() || read.bytes->empty()) {
-    return {std::nullopt, 0, read.error != 0};
+  if (!read.bytes.has_value()) {
+    LoadedFile nothing;
+    nothing.unreadable = read.error != 0;
+    nothing.error = read.error;
+    return nothing;
   }
   const std::size_t hash = HashOfText(*read.bytes);
-  return {ReadLevels(read.bytes->data(), read.bytes->size(), file.count), hash};
+  LoadedFile loaded = ReadFileText(read.bytes->data(), read.bytes->size(), file);
+  loaded.hash = loaded.levels.has_value() ? hash : 0;
+  return loaded;
 }
 
 }  // namespace

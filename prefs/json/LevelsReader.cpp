@@ -1,5 +1,6 @@
 #include "prefs/json/LevelsReader.h"
 
+#include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
 
 #include <cstring>
@@ -33,16 +34,16 @@ std::string_view Normalize(std::string_view bytes, std::string& buffer) {
 /// is good so far.
 class LevelsHandler {
  public:
-  explicit LevelsHandler(std::size_t count) : levels_(count) {}
+  LevelsHandler(std::size_t count, TextFindings& findings) : levels_(count), findings_(findings) {}
 
   LoadedLevels Take() { return std::move(levels_); }
 
-  bool Null() { return true; }
+  bool Null() { return Skip(findings_.nulls); }
 
   bool Bool(bool value) { return Add(value); }
 
   bool String(const char* text, SizeType size, bool /*copy*/) {
-    return !IsIn(kCategory) || Add(Normalize({text, size}, text_));
+    return IsIn(kCategory) ? Add(Normalize({text, size}, text_)) : Skip(findings_.misplaced);
   }
 
   bool RawNumber(const char* text, SizeType size, bool /*copy*/) {
@@ -54,7 +55,7 @@ class LevelsHandler {
       return Add(*integer);
     }
     const double* const real = std::get_if<double>(&*number);
-    return real == nullptr || Add(*real);
+    return real != nullptr ? Add(*real) : Skip(findings_.large_integers);
   }
 
   bool Key(const char* name, SizeType size, bool /*copy*/) {
@@ -65,7 +66,7 @@ class LevelsHandler {
 
   bool StartObject() {
     if (skipped_ > 0 || depth_ == kCategory || (depth_ == kRoot && members_ > levels_.size())) {
-      return StartArray();
+      return SkipContents(findings_.objects);
     }
     ++depth_;
     if (depth_ == kLevel) {
@@ -87,11 +88,7 @@ class LevelsHandler {
     return true;
   }
 
-  /// What is in an array is not looked at.
-  bool StartArray() {
-    ++skipped_;
-    return true;
-  }
+  bool StartArray() { return SkipContents(findings_.arrays); }
 
   bool EndArray(SizeType /*elements*/) {
     --skipped_;
@@ -112,13 +109,30 @@ class LevelsHandler {
   bool IsIn(Depth depth) const { return skipped_ == 0 && depth_ == depth; }
 
   bool Add(const StoredValue& value) {
-    if (IsIn(kCategory)) {
-      builder_->Add(name_, value);
+    if (!IsIn(kCategory)) {
+      return Skip(findings_.misplaced);
+    }
+    builder_->Add(name_, value);
+    return true;
+  }
+
+  /// @param kind of what is skipped, if it stands where preferences do
+  bool Skip(std::uint32_t& kind) {
+    if (skipped_ == 0) {
+      ++(depth_ == kCategory ? kind : findings_.misplaced);
     }
     return true;
   }
 
+  /// What is inside is not looked at.
+  bool SkipContents(std::uint32_t& kind) {
+    Skip(kind);
+    ++skipped_;
+    return true;
+  }
+
   LoadedLevels levels_;
+  TextFindings& findings_;
   std::size_t members_ = 0;  // of the root
   int depth_ = kNone;
   std::size_t skipped_ = 0;  // objects and arrays that are open and not looked at
@@ -129,20 +143,34 @@ class LevelsHandler {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
+const char* ToMessage(const rapidjson::ParseResult& result) {
+  // The handler refuses nothing else but names of 64 MiB.
+  return result.Code() == rapidjson::kParseErrorTermination
+             ? "A number is too large for a double, or a name too long."
+             : rapidjson::GetParseError_En(result.Code());
+}
+
 }  // namespace
 
-LoadedLevels ReadLevels(char* text, std::size_t size, std::size_t count) {
+LoadedLevels ReadLevels(char* text, std::size_t size, std::size_t count, TextFindings& findings) {
   UnescapeLoneSurrogates(text, size);
   const bool marked = std::strncmp(text, kByteOrderMark.data(), kByteOrderMark.size()) == 0;
-  rapidjson::InsituStringStream stream(text + (marked ? kByteOrderMark.size() : 0));
+  const std::size_t start = marked ? kByteOrderMark.size() : 0;
+  rapidjson::InsituStringStream stream(text + start);
   // Iterative, for texts may be nested as deep as they like. Numbers are converted here, for
   // RapidJSON's own exact conversion reads out of bounds.
   constexpr unsigned kFlags = rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag |
                               rapidjson::kParseNumbersAsStringsFlag;
   JsonAllocator allocator;
   rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, JsonAllocator> reader(&allocator);
-  LevelsHandler handler(count);
-  return reader.Parse<kFlags>(stream, handler).IsError() ? LoadedLevels(count) : handler.Take();
+  LevelsHandler handler(count, findings);
+  const rapidjson::ParseResult result = reader.Parse<kFlags>(stream, handler);
+  if (result.IsError()) {
+    findings.error = ToMessage(result);
+    findings.error_offset = start + result.Offset();
+    return LoadedLevels(count);
+  }
+  return handler.Take();
 }
 
 }  // namespace vemora::prefs

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "prefs/json/TextFindings.h"
 #include "prefs/store/LevelMap.h"
 
 namespace vemora::prefs {
@@ -20,6 +21,7 @@ using LoadedLevels = std::vector<std::optional<LevelMap>>;
 /// string are skipped.
 ///
 /// `text` has a zero behind its `size` bytes, ends at its first zero, and is overwritten.
-LoadedLevels ReadLevels(char* text, std::size_t size, std::size_t count);
+/// @param findings receives what was skipped, added to what it holds, and what is wrong
+LoadedLevels ReadLevels(char* text, std::size_t size, std::size_t count, TextFindings& findings);
 
 }  // namespace vemora::prefs

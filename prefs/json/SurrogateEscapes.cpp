@@ -32,34 +32,63 @@ bool StartsWithLoneSurrogate(std::string_view text, unsigned& unit) {
           !StartsWithEscape(text.substr(kEscapeSize), 0xDC00, 0xDFFF, low));
 }
 
-}  // namespace
-
-std::size_t UnescapeLoneSurrogates(char* text, std::size_t size) {
-  std::string_view rest(text, size);
-  char* out = text;
-  const auto keep = [&rest, &out](std::size_t count) {
-    std::memmove(out, rest.data(), count);
-    out += count;
+/// Calls `keep` with each part that stays, and `replace` with each lone surrogate between them.
+template <typename Keep, typename Replace>
+void SplitAtLoneSurrogates(std::string_view rest, Keep keep, Replace replace) {
+  const auto take = [&rest, &keep](std::size_t count) {
+    keep(rest.substr(0, count));
     rest.remove_prefix(count);
   };
   for (;;) {
-    keep(std::min(rest.find('\\'), rest.size()));
+    take(std::min(rest.find('\\'), rest.size()));
     unsigned unit = 0;
     if (rest.empty()) {
-      *out = 0;
-      return static_cast<std::size_t>(out - text);
+      return;
     }
     if (StartsWithLoneSurrogate(rest, unit)) {
-      std::string utf8;
-      utils::AppendUtf8(utf8, unit);
-      out = std::copy(utf8.begin(), utf8.end(), out);
+      replace(unit);
       rest.remove_prefix(kEscapeSize);
     } else {
       const bool high = StartsWithEscape(rest, 0xD800, 0xDBFF, unit);
       // A pair stays, and of any other escape its first two characters, which may be \\\\.
-      keep(std::min<std::size_t>(rest.size(), high ? 2 * kEscapeSize : 2));
+      take(std::min<std::size_t>(rest.size(), high ? 2 * kEscapeSize : 2));
     }
   }
+}
+
+}  // namespace
+
+std::size_t UnescapeLoneSurrogates(char* text, std::size_t size) {
+  char* out = text;
+  SplitAtLoneSurrogates(
+      {text, size},
+      [&out](std::string_view part) {
+        std::memmove(out, part.data(), part.size());
+        out += part.size();
+      },
+      [&out](unsigned unit) {
+        std::string utf8;
+        utils::AppendUtf8(utf8, unit);
+        out = std::copy(utf8.begin(), utf8.end(), out);
+      });
+  *out = 0;
+  return static_cast<std::size_t>(out - text);
+}
+
+std::size_t OffsetBeforeUnescape(std::string_view text, std::size_t offset) {
+  std::size_t before = 0;
+  std::size_t after = 0;
+  std::size_t found = offset;
+  const auto pass = [&](std::size_t size_before, std::size_t size_after) {
+    found = after <= offset ? before + (offset - after) : found;
+    before += size_before;
+    after += size_after;
+  };
+  SplitAtLoneSurrogates(
+      text, [&pass](std::string_view part) { pass(part.size(), part.size()); },
+      [&pass](unsigned /*unit*/) { pass(kEscapeSize, 3); });
+  pass(0, 0);
+  return found;
 }
 
 }  // namespace vemora::prefs

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 namespace vemora::prefs {
 
@@ -11,5 +12,8 @@ namespace vemora::prefs {
 /// @param text has a zero behind its `size` bytes, and then behind what is left of them
 /// @return the size of what is left
 std::size_t UnescapeLoneSurrogates(char* text, std::size_t size);
+
+/// Where in the text, as it was before, a place is that has this offset in what is left of it.
+std::size_t OffsetBeforeUnescape(std::string_view text, std::size_t offset);
 
 }  // namespace vemora::prefs

@@ -30,6 +30,15 @@ void OfPreferences(const vemora_ustring& privateFile, const vemora_ustring& shar
   bool open = vemora::prefs::Get().ReadBool(L"Console", L"Open", false);
 }
 
+void OfLoadResult() {
+  const LoadResult found = vemora::prefs::GetLastLoadResult();
+  const bool damaged = found.private_file.result == ELoadResult::kMalformed;
+}
+
+void OfKeepUnreadableFiles() {
+  vemora::prefs::KeepUnreadableFiles(true);  // before SetPaths, which loads
+}
+
 void OfShareLevelOverride(IPreferences& preferences) {
   ShareLevelOverride guard(kSharedForAllComputers);
   preferences.WriteInt(L"My Plugin", L"Runs", 1);  // travels with the shared file

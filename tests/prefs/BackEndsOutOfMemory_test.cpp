@@ -139,6 +139,7 @@ const std::vector<Operation> kRegistryOperations = {
     {"SetPath", [] { SetPath(kNewText); }},
     {"GetPath", [] { PreferencesRegistry::GetPath(); }},
     {"PreferencesExist", [] { PreferencesExist(kAllPrefs); }},
+    {"GetLastLoadResult", [] { GetLastLoadResult(); }},
 };
 
 INSTANTIATE_TEST_SUITE_P(Operations, RegistryOutOfMemory,

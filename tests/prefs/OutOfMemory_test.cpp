@@ -9,6 +9,7 @@
 #include "failing_allocator.h"
 #include "long_texts.h"
 #include "prefs/JsonCommon.h"
+#include "prefs/LoadResult.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/SaveMode.h"
 #include "support.h"
@@ -207,6 +208,24 @@ TEST(OutOfMemoryInLoad, KeepsWhatWasThereOrTakesBothFiles) {
     store = unloaded;
     success = Succeeds(allocations, [&store] { store.LoadPreferences(); });
     ASSERT_EQ(DescribeLevels(store), success ? after : before) << allocations;
+  }
+}
+
+TEST(OutOfMemoryInLoad, KeepsTheResultOfTheLoadBefore) {
+  const ScratchFolder folder;
+  testing::WriteBytes(folder / "private.json", "{");
+  FilledStore store;
+  store.LoadPreferences();
+  store.SetPaths(ToText(folder / "private.json"), ToText(folder / "shared.json"));
+  bool success = false;
+  for (int allocations = 0; !success; ++allocations) {
+    success = Succeeds(allocations, [&store] { store.LoadPreferences(); });
+    const LoadResult found = GetLastLoadResult();
+    ASSERT_EQ(found.private_file.result,
+              success ? ELoadResult::kMalformed : ELoadResult::kNotLoaded)
+        << allocations;
+    ASSERT_EQ(found.private_file.path, success ? store.GetPrivatePath() : vemora_ustring())
+        << allocations;
   }
 }
 

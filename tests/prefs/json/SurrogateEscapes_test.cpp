@@ -88,5 +88,15 @@ TEST(SurrogateEscapes, EndAtTheSizeOfTheText) {
   EXPECT_EQ(text.substr(0, 5), "\xED\xA0\x80\\u");
 }
 
+TEST(SurrogateEscapes, LeavePlacesThatCanBeFoundInTheTextBefore) {
+  const std::string text = R"(ab\uD800c\uD83D\uDE00\uDC00)";
+  std::vector<std::size_t> places;
+  for (std::size_t offset = 0; offset <= 21; ++offset) {
+    places.push_back(OffsetBeforeUnescape(text, offset));
+  }
+  EXPECT_THAT(places, ::testing::ElementsAre(0, 1, 2, 3, 4, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17,
+                                             18, 19, 20, 21, 22, 23, 27));
+}
+
 }  // namespace
 }  // namespace vemora::prefs

@@ -21,7 +21,8 @@ using prefs::LoadedLevels;
 inline LoadedLevels Read(std::string_view text, std::size_t count = 1) {
   const auto buffer = std::make_unique<char[]>(text.size() + 1);
   std::copy(text.begin(), text.end(), buffer.get());
-  return prefs::ReadLevels(buffer.get(), text.size(), count);
+  prefs::TextFindings ignored;
+  return prefs::ReadLevels(buffer.get(), text.size(), count, ignored);
 }
 
 /// The first level, which the text is expected to provide.
