@@ -10,7 +10,7 @@
 namespace vemora::prefs {
 
 enum class ESaveMode {
-  /// Each file is rewritten in place, and the last process to save wins. The mode at first.
+  /// Each file is deleted and written anew, and the last process to save wins. The mode at first.
   kRewriteInPlace,
   /// Files survive crashes, full disks and other processes:
   ///  - A file is written aside, flushed to the disk and put in place at once, so that its name
@@ -24,10 +24,11 @@ enum class ESaveMode {
   ///    ones as "name.bad.2" to "name.bad.5".
   ///  - A file that cannot be read does not count as missing, and is never overwritten.
   ///  - A file whose text would not change is not written.
+  ///  - A file stays read-only and hidden. Its permissions and hard links do not stay, as in the
+  ///    other mode.
   ///
   /// All programs that share files must use one mode. One that saves in place takes no lock: it
-  /// loses
-  /// changes of the others, and its own.
+  /// loses changes of the others, and its own.
   kProtected
 };
 

@@ -24,8 +24,9 @@ class Singleton {
   Singleton& operator=(const Singleton&) = delete;
 
   /// The instance, made when there is none. `Destroy` deletes it, or an exit hook does when the
-  /// process ends by `exit` or a return from `main`, or when the library that made it is unloaded.
-  /// A process that is killed, or a system that takes no more hooks, leaves it.
+  /// process ends by `exit` or a return from `main`, or when the library that made it is unloaded,
+  /// which happens at `_exit` and `abort`, too. A process that is killed or crashes, or a system
+  /// that takes no more hooks, leaves it.
   /// @throws std::bad_alloc when it cannot be made; the next call tries again
   static T& Get();
 

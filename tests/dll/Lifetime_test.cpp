@@ -63,10 +63,10 @@ class HostLife {
     MakeSharedFile();
   }
 
-  void RunHost(const std::wstring& program, const Steps& steps) {
+  void RunHost(const std::wstring& program, const Steps& steps, DWORD exit_code = EXIT_SUCCESS) {
     Steps arguments = {private_file().wstring(), shared_file().wstring()};
     arguments.insert(arguments.end(), steps.begin(), steps.end());
-    ASSERT_EQ(RunProgram(program, arguments), static_cast<DWORD>(EXIT_SUCCESS));
+    ASSERT_EQ(RunProgram(program, arguments), exit_code);
   }
   void RunHost(const Steps& steps) { RunHost(L"lifetime_host", steps); }
 
@@ -159,6 +159,47 @@ INSTANTIATE_TEST_SUITE_P(Lifetime, EveryEnding,
                          ::testing::Combine(::testing::ValuesIn(kEndings),
                                             ::testing::ValuesIn(kFlagsCases)),
                          CaseName);
+
+struct SuddenEnding {
+  const char* name;
+  const wchar_t* step;
+  DWORD exit_code;
+  Outcome outcome;
+};
+
+void PrintTo(const SuddenEnding& ending, std::ostream* out) { *out << ending.name; }
+
+// Ends that run no exit handlers of the host. Some of them still unload the DLL.
+class EverySuddenEnding : public ::testing::TestWithParam<SuddenEnding>, protected HostLife {};
+
+TEST_P(EverySuddenEnding, SavesUnlessItIsACrashOrAKill) {
+  MakeFiles();
+  RunHost(L"lifetime_host", {L"set-paths", L"write", GetParam().step}, GetParam().exit_code);
+  if (GetParam().outcome == Outcome::kWritten) {
+    ExpectWritten();
+  } else {
+    ExpectUntouched();
+  }
+}
+
+// The runtime of Visual C++ may end a process without any unloading when it is aborted.
+#ifdef __MINGW32__
+constexpr DWORD kAborted = 3;
+const SuddenEnding kAborts[] = {
+    {"Abort", L"abort", kAborted, Outcome::kWritten},
+    {"UncaughtException", L"throw", kAborted, Outcome::kWritten},
+};
+INSTANTIATE_TEST_SUITE_P(Aborts, EverySuddenEnding, ::testing::ValuesIn(kAborts),
+                         [](const auto& ending) { return ending.param.name; });
+#endif
+
+const SuddenEnding kSuddenEndings[] = {
+    {"UnderscoreExit", L"_exit", EXIT_SUCCESS, Outcome::kWritten},
+    {"Crash", L"crash", EXCEPTION_ACCESS_VIOLATION, Outcome::kUntouched},
+    {"TerminateProcess", L"terminate", EXIT_SUCCESS, Outcome::kUntouched},
+};
+INSTANTIATE_TEST_SUITE_P(Lifetime, EverySuddenEnding, ::testing::ValuesIn(kSuddenEndings),
+                         [](const auto& ending) { return ending.param.name; });
 
 class Lifetime : public ::testing::Test, protected HostLife {};
 

@@ -197,19 +197,6 @@ TEST_F(ProtectedFaults, BothFilesAreFlushedBeforeOneIsPutInPlace) {
   EXPECT_EQ(order, "ffmm");
 }
 
-TEST_F(ProtectedFaults, ASaveKeepsFilesReadOnlyAndHidden) {
-  SetAttributes(kReadOnlyAndHidden);
-  store.SavePreferences();
-  EXPECT_EQ(ReadBytes(private_file), new_private);
-  EXPECT_EQ(AttributesOf(private_file), kReadOnlyAndHidden);
-  EXPECT_EQ(AttributesOf(shared_file), kReadOnlyAndHidden);
-}
-
-TEST_F(ProtectedFaults, ASaveLeavesOrdinaryFilesOrdinary) {
-  store.SavePreferences();
-  EXPECT_EQ(AttributesOf(private_file), 0U);
-}
-
 TEST_F(ProtectedFaults, APathWithAZeroInsideFails) {
   store.SetPaths(ToText(private_file), Utf8({"bad\0name", 8}));
   store.SavePreferences();

@@ -2,8 +2,11 @@
 /// What the hosts of the lifetime tests do: the steps named on their command lines, in order.
 #pragma once
 
+#include <windows.h>
+
 #include <cstdlib>
 #include <map>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -39,6 +42,11 @@ inline bool RunSteps(const std::vector<std::wstring>& arguments) {
       {L"flags-11", [] { front_door.set_save_prefs_flag(true, true); }},
       {L"write-at-exit", [] { std::atexit(Write); }},
       {L"exit", [] { std::exit(EXIT_SUCCESS); }},
+      {L"_exit", [] { _exit(EXIT_SUCCESS); }},
+      {L"abort", [] { std::abort(); }},
+      {L"throw", [] { throw std::runtime_error("nobody catches this"); }},
+      {L"crash", [] { RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr); }},
+      {L"terminate", [] { TerminateProcess(GetCurrentProcess(), EXIT_SUCCESS); }},
   };
   for (std::size_t i = 2; i < arguments.size(); ++i) {
     if (arguments[i] == L"set-paths") {
