@@ -91,6 +91,14 @@ bool IsWellFormedUtf8(std::string_view text) {
   return true;
 }
 
+std::string_view ReplaceIllFormedUtf8(std::string_view text, std::string& buffer) {
+  if (IsWellFormedUtf8(text)) {
+    return text;
+  }
+  buffer = vemora_ustring::FromUtf8(text).ToUtf8();
+  return buffer;
+}
+
 void AppendUtf8(std::string& utf8, char32_t point) {
   char bytes[4];
   utf8.append(bytes, WriteCodePoint(bytes, point));

@@ -14,6 +14,10 @@ namespace vemora::utils {
 /// exist.
 bool IsWellFormedUtf8(std::string_view text);
 
+/// The text, with what is ill-formed replaced as `AppendUtf16` does.
+/// @param buffer keeps the result, if something had to be replaced
+std::string_view ReplaceIllFormedUtf8(std::string_view text, std::string& buffer);
+
 /// Writes UTF-16 text. A lone surrogate becomes its own 3-byte sequence.
 /// @param out has room for `kMostBytesOfUnit` bytes for each unit
 /// @return the end of what it wrote

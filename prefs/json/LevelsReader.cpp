@@ -13,7 +13,6 @@
 #include "prefs/json/SurrogateEscapes.h"
 #include "prefs/store/LevelBuilder.h"
 #include "utils/Utf8.h"
-#include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
 
@@ -21,18 +20,9 @@ namespace {
 
 using rapidjson::SizeType;
 
-/// UTF-8 as the store keeps it, in `buffer` if ill-formed bytes had to be replaced.
-std::string_view Normalize(std::string_view bytes, std::string& buffer) {
-  if (utils::IsWellFormedUtf8(bytes)) {
-    return bytes;
-  }
-  buffer = utils::vemora_ustring::FromUtf8(bytes).ToUtf8();
-  return buffer;
-}
-
 /// Takes what RapidJSON finds and puts it into new levels. Each function returns whether the text
 /// is good so far.
-class LevelsHandler {
+class LevelsHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, LevelsHandler> {
  public:
   LevelsHandler(std::size_t count, TextFindings& findings) : levels_(count), findings_(findings) {}
 
@@ -43,7 +33,8 @@ class LevelsHandler {
   bool Bool(bool value) { return Add(value); }
 
   bool String(const char* text, SizeType size, bool /*copy*/) {
-    return IsIn(kCategory) ? Add(Normalize({text, size}, text_)) : Skip(findings_.misplaced);
+    return IsIn(kCategory) ? Add(utils::ReplaceIllFormedUtf8({text, size}, text_))
+                           : Skip(findings_.misplaced);
   }
 
   bool RawNumber(const char* text, SizeType size, bool /*copy*/) {
@@ -94,13 +85,6 @@ class LevelsHandler {
     --skipped_;
     return true;
   }
-
-  // What RapidJSON calls for numbers that it converts itself, which it is told not to do.
-  bool Int(int /*value*/) { return false; }
-  bool Uint(unsigned /*value*/) { return false; }
-  bool Int64(std::int64_t /*value*/) { return false; }
-  bool Uint64(std::uint64_t /*value*/) { return false; }
-  bool Double(double /*value*/) { return false; }
 
  private:
   /// Objects within objects.

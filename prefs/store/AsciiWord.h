@@ -59,13 +59,6 @@ inline bool NarrowWord(const utils::CodeUnit* units, std::uint64_t& word) {
 #endif
 }
 
-/// 0x80 in each byte that is `character`, 0 in all others.
-/// @param word ASCII
-constexpr std::uint64_t FindInWord(std::uint64_t word, char character) {
-  const std::uint64_t zero_if_found = word ^ Repeat(static_cast<unsigned char>(character));
-  return ~(zero_if_found + Repeat(0x7F)) & Repeat(0x80);
-}
-
 /// The letters in upper case.
 /// @param word ASCII
 constexpr std::uint64_t FoldWord(std::uint64_t word) {
@@ -99,10 +92,12 @@ inline std::uint64_t ClassifyWord(std::uint64_t word) {
                                    _mm_cmpeq_epi8(folded, _mm_set1_epi8('S')));
   return static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_or_si128(folded, any)));
 #else
-  constexpr std::uint64_t kWholeByte = 0xFF;
-  const std::uint64_t folded = FoldWord(word);
-  const std::uint64_t any = FindInWord(folded, 'I') | FindInWord(folded, 'S');
-  return folded | (any >> 7) * kWholeByte;
+  std::uint64_t classified = FoldWord(word);
+  for (unsigned shift = 0; shift < 64; shift += 8) {
+    const char letter = static_cast<char>(classified >> shift);
+    classified |= std::uint64_t{letter == 'I' || letter == 'S' ? 0xFFU : 0U} << shift;
+  }
+  return classified;
 #endif
 }
 

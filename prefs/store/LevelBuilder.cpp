@@ -8,7 +8,6 @@
 #include "prefs/store/Name.h"
 #include "prefs/store/NameHash.h"
 #include "utils/Utf8.h"
-#include "utils/vemora_ustring.h"
 
 namespace vemora::prefs {
 
@@ -53,9 +52,8 @@ void LevelBuilder::Add(std::string_view key, const StoredValue& value) {
 /// Makes a name what the store keeps.
 NameHash LevelBuilder::Prepare(std::string_view& name) {
   const NameHash hashed = HashName(name);
-  if (!hashed.ascii && !utils::IsWellFormedUtf8(name)) {
-    replaced_ = utils::vemora_ustring::FromUtf8(name).ToUtf8();
-    name = replaced_;
+  if (!hashed.ascii) {
+    name = utils::ReplaceIllFormedUtf8(name, replaced_);
   }
   return hashed;
 }

@@ -66,6 +66,14 @@ TEST(IsWellFormedUtf8, IsTrueOfWhatHasNoSurrogatesAndDecodesWithoutReplacement) 
   }
 }
 
+TEST(ReplaceIllFormedUtf8, GivesWhatIsDecodedAndEncodedAgain) {
+  for (const std::string& text : MakeTexts()) {
+    std::string buffer;
+    EXPECT_EQ(ReplaceIllFormedUtf8(text, buffer), vemora_ustring::FromUtf8(text).ToUtf8())
+        << ::testing::PrintToString(text);
+  }
+}
+
 TEST(AppendUtf16, DecodesAsTheIndependentDecoderDoes) {
   for (const std::string& text : MakeTexts()) {
     vemora_ustring decoded;

@@ -32,18 +32,6 @@ TEST(AsciiWord, IsFoldedByteByByte) {
   });
 }
 
-TEST(AsciiWord, IsSearchedForACharacter) {
-  ForEachAsciiWord([](std::uint64_t word) {
-    for (const char looked_for : {'\0', '\x01', 'A', 'I', 'i', 'k', 's', 'z', '\x7E', '\x7F'}) {
-      const std::uint64_t found = FindInWord(word, looked_for);
-      for (std::size_t place = 0; place < kWordSize; ++place) {
-        const bool is_there = ByteAt(word, place) == static_cast<unsigned char>(looked_for);
-        ASSERT_EQ(ByteAt(found, place), is_there ? 0x80 : 0) << std::hex << word;
-      }
-    }
-  });
-}
-
 TEST(AsciiWord, HasLettersInUpperCaseAndOneMarkForIAndSWhenItIsClassified) {
   testing::ExpectThatISAndLettersAreClassified(ClassifyWord);
 }
