@@ -5,7 +5,6 @@
 #include <atomic>
 
 #include "utils/SystemFile.h"
-#include "utils/SystemFunction.h"
 
 namespace vemora::utils {
 namespace {
@@ -63,13 +62,6 @@ SystemError OpenLockFile(const vemora_ustring& path, HANDLE& file) {
 
 /// How many locks this process has or waits for.
 std::atomic<int> locks_of_process{0};
-
-/// Whether the process ends: no other thread runs any more, and what those held they never give up.
-bool IsProcessEnding() {
-  const auto is_ending =
-      FindFunction<BOOLEAN WINAPI()>(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress");
-  return is_ending != nullptr && is_ending() != 0;
-}
 
 }  // namespace
 

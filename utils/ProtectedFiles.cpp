@@ -10,14 +10,14 @@
 namespace vemora::utils {
 namespace {
 
-/// Calls `function` until it gives an error that waiting is no cure for, or none.
+/// Calls `function` until it gives an error that waiting is no cure for, or none. A process that
+/// ends waits less: a dead thread of its own may hold the file, and not another program.
 template <typename Function, typename IsPassing>
 SystemError Retry(Function function, IsPassing isPassing) {
   constexpr int kTries = 5;
-  constexpr DWORD kPause = 100;
   SystemError error = function();
   for (int tries = 1; tries < kTries && error != 0 && isPassing(error); ++tries) {
-    Sleep(kPause);
+    Sleep(IsProcessEnding() ? 30 : 100);
     error = function();
   }
   return error;

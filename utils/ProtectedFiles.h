@@ -22,7 +22,8 @@ struct FileBytes {
 bool FileExists(const vemora_ustring& path);
 
 /// Reads a file that others may rewrite or replace before or after, not while it is read. One that
-/// another program holds is tried again, 5 times in all, 100 ms apart.
+/// another program holds is tried again, 5 times in all, 100 ms apart, or 30 ms when the process
+/// ends.
 /// @throws std::bad_alloc when the file does not fit into memory
 [[nodiscard]] FileBytes ReadFileBytes(const vemora_ustring& path);
 
@@ -31,7 +32,7 @@ bool FileExists(const vemora_ustring& path);
 
 /// Puts the file `from` in place of `to`, at once: at any instant `to` is the whole old or the
 /// whole new file, also if the power fails. The new one is as read-only and as hidden as the old
-/// one was. Tried 5 times, 100 ms apart, as virus scanners hold files for moments.
+/// one was. Tried as often and as long, for virus scanners hold files for moments.
 [[nodiscard]] SystemError ReplaceFileAtomically(const vemora_ustring& from,
                                                 const vemora_ustring& to);
 

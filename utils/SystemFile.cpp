@@ -1,6 +1,7 @@
 #include "utils/SystemFile.h"
 
 #include "utils/PathText.h"
+#include "utils/SystemFunction.h"
 
 namespace vemora::utils {
 
@@ -14,6 +15,12 @@ SystemError GetLastSystemError() {
 }
 
 SystemError ErrorUnless(BOOL success) { return success != 0 ? 0 : GetLastSystemError(); }
+
+bool IsProcessEnding() {
+  const auto is_ending =
+      FindFunction<BOOLEAN WINAPI()>(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress");
+  return is_ending != nullptr && is_ending() != 0;
+}
 
 bool CanNameFile(const vemora_ustring& path) {
   return !path.empty() && path.find(CodeUnit{0}) == vemora_ustring::npos;

@@ -33,6 +33,9 @@ inline bool IsNoFile(SystemError error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
+/// Whether the process ends: no other thread runs any more, and what those held they never give up.
+bool IsProcessEnding();
+
 /// Whether the path can name a file: the system would read one up to its first zero, and so might
 /// act on another file.
 bool CanNameFile(const vemora_ustring& path);

@@ -1,5 +1,5 @@
-// A host that leaves its main while another thread saves in protected mode.
-// usage: leaving_host PRIVATE-FILE SHARED-FILE
+// A host that leaves its main while another thread saves in protected mode, and notes when.
+// usage: leaving_host PRIVATE-FILE SHARED-FILE TIME-FILE
 
 #include <windows.h>
 
@@ -24,10 +24,20 @@ DWORD WINAPI SaveForEver(void* /*unused*/) {
   }
 }
 
+void NoteTime(const wchar_t* path) {
+  const HANDLE file =
+      CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  DWORD count = 0;
+  FILETIME now = {};
+  GetSystemTimeAsFileTime(&now);
+  WriteFile(file, &now, sizeof(now), &count, nullptr);
+  CloseHandle(file);
+}
+
 }  // namespace
 
 extern "C" int wmain(int argc, wchar_t** argv) {
-  if (argc != 3) {
+  if (argc != 4) {
     return EXIT_FAILURE;
   }
   prefs::SetSaveMode(prefs::ESaveMode::kProtected, std::chrono::minutes(1));
@@ -37,5 +47,6 @@ extern "C" int wmain(int argc, wchar_t** argv) {
   }
   CreateThread(nullptr, 0, SaveForEver, nullptr, 0, nullptr);
   Sleep(kSavingTime);
+  NoteTime(argv[3]);
   return EXIT_SUCCESS;
 }

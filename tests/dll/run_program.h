@@ -57,6 +57,16 @@ class Program {
     return exit_code;
   }
 
+  /// When the program ended.
+  FILETIME GetEnd() const {
+    FILETIME created = {};
+    FILETIME ended = {};
+    FILETIME kernel = {};
+    FILETIME user = {};
+    EXPECT_NE(GetProcessTimes(process_.hProcess, &created, &ended, &kernel, &user), 0);
+    return ended;
+  }
+
  private:
   PROCESS_INFORMATION process_{};
 };
