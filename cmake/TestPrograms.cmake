@@ -9,12 +9,14 @@ include(${CMAKE_CURRENT_LIST_DIR}/TestSources.cmake)
 #   [PREFIX TEXT]              of the entries of those, where two programs run them
 #   [SOURCES FILE...]          other sources
 #   [LIBRARIES TARGET...]      what it tests, if not the library's objects
-#   [PORTABLE])                nothing in it calls Windows: see COMMONPREFERENCES_PORTABLE_TESTS
+#   [PORTABLE]                 nothing in it calls Windows: see COMMONPREFERENCES_PORTABLE_TESTS
+#   [WINDOWS_UNITS])           what calls Windows, without the DLL: COMMONPREFERENCES_WINDOWS_UNIT_TESTS
 function(add_test_program name)
   cmake_parse_arguments(PARSE_ARGV 1 arg
-    "PORTABLE" "OBJECTS;PREFIX" "TESTS;STRESS;SOURCES;LIBRARIES")
+    "PORTABLE;WINDOWS_UNITS" "OBJECTS;PREFIX" "TESTS;STRESS;SOURCES;LIBRARIES")
   register_test_source(${arg_TESTS} ${arg_STRESS})
-  if(arg_PORTABLE AND NOT COMMONPREFERENCES_PORTABLE_TESTS)
+  if((arg_PORTABLE AND NOT COMMONPREFERENCES_PORTABLE_TESTS) OR
+     (arg_WINDOWS_UNITS AND NOT COMMONPREFERENCES_WINDOWS_UNIT_TESTS))
     return()
   endif()
   if(NOT arg_LIBRARIES)

@@ -30,6 +30,10 @@ def native(*tests):
 
 
 def windows(*tests):
+    return [Program("mingw-debug", test) for test in tests]
+
+
+def optimized(*tests):
     return [Program("mingw-release", test) for test in tests]
 
 
@@ -81,7 +85,7 @@ UNITS = {
     "utils/SystemFile.h": windows("Files_test"),
     "utils/Utf8.cpp": native("Utf8_test"),
     "utils/Variant.cpp": native("Variant_test"),
-    "utils/WideFormat.cpp": windows("vemora_ustring_test", "vemora_ustring_windows_test"),
+    "utils/WideFormat.cpp": optimized("vemora_ustring_test") + windows("vemora_ustring_windows_test"),
     "utils/vemora_ustring.h": native("vemora_ustring_test"),
 }
 
