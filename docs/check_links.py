@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that the links of HTML pages lead to files and places that are there.
+"""Checks that the links of HTML pages lead to files and places that are there, and that the pages
+load nothing from the network.
 
 usage: check_links.py FOLDER
 """
@@ -10,16 +11,13 @@ import sys
 import urllib.parse
 
 
-# Doxygen names the section even if all classes in a class are private and it has none.
-DOXYGENS_OWN = "nested-classes"
-
-
 class Page(html.parser.HTMLParser):
     """Collects the links of a page and the places in it that links can name."""
 
     def __init__(self, path):
         super().__init__()
         self.links = []
+        self.loaded = []
         self.places = set()
         self.feed(path.read_text(encoding="utf-8"))
 
@@ -27,6 +25,8 @@ class Page(html.parser.HTMLParser):
         for name, value in attributes:
             if name in ("href", "src", "data") and value:
                 self.links.append(value)
+                if tag != "a":
+                    self.loaded.append(value)
             elif name in ("id", "name") and value:
                 self.places.add(value)
 
@@ -36,9 +36,12 @@ def broken_links(folder):
     if not pages:
         yield f"{folder} has no pages"
     for path, page in pages.items():
+        for link in page.loaded:
+            if urllib.parse.urlsplit(link).netloc:
+                yield f"{path.name} loads {link}"
         for link in page.links:
             parts = urllib.parse.urlsplit(link)
-            if parts.scheme or parts.netloc or parts.fragment == DOXYGENS_OWN:
+            if parts.scheme or parts.netloc:
                 continue
             target = path
             if parts.path:
@@ -52,7 +55,7 @@ def broken_links(folder):
 def main():
     found = list(broken_links(pathlib.Path(sys.argv[1])))
     for link in found:
-        print(f"a link that leads nowhere: {link}", file=sys.stderr)
+        print(f"a link that leads nowhere or into the network: {link}", file=sys.stderr)
     return len(found) != 0
 
 
