@@ -3,7 +3,7 @@
 
 usage: check_snippets.py ROOT FILE ...
 
-In a page, each block of C++ or JSON follows a line
+In a page, each block of C++, JSON, CMake or shell follows a line
 
     <!-- from examples/quickstart/main.cpp -->
 
@@ -18,7 +18,7 @@ import sys
 import textwrap
 
 BLOCK = re.compile(
-    r"^(?:<!-- from (?P<source>\S+) -->\n+)?^```(?:cpp|json)\n(?P<code>.*?)^```$",
+    r"^(?:<!-- from (?P<source>\S+) -->\n+)?^```(?:cpp|json|cmake|sh)\n(?P<code>.*?)^```$",
     re.MULTILINE | re.DOTALL)
 IN_COMMENT = re.compile(r"^ *///\n(?P<code>(?: *///     .*\n)+)", re.MULTILINE)
 SOURCE_OF_COMMENTS = "tests/docs/header_snippets.cpp"

@@ -1,4 +1,5 @@
-// The life of a host that keeps its preferences in two files: start-up, defaults, reads, shutdown.
+// The life of a host that keeps its preferences in two files: start-up, defaults, reads,
+// shutdown, removal.
 // usage: lifecycle FOLDER
 
 #include <filesystem>
@@ -46,6 +47,11 @@ void ShutDown() {
   prefs::Destroy();  // saves
 }
 
+void RemoveFiles() {
+  prefs::SetSavePrefsFlag(false, true);  // do not save, delete both files
+  prefs::Destroy();
+}
+
 }  // namespace
 
 // NOLINTNEXTLINE(bugprone-exception-escape): a failure may end an example
@@ -67,5 +73,8 @@ int main(int argc, char** argv) {
 
   StartUp(argv[1]);
   std::cout << "after a restart: " << prefs::Get().ReadInt(kPlugin, L"Columns", 7) << '\n';
+
+  RemoveFiles();
+  std::cout << (std::filesystem::is_empty(argv[1]) ? "no files left\n" : "files left\n");
   return 0;
 }
