@@ -1,12 +1,10 @@
 #include "prefs/store/NameHash.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <exception>
-#include <random>
 
 #include "utils/Ascii.h"
+#include "utils/RandomBits.h"
 
 namespace vemora::prefs {
 
@@ -14,11 +12,6 @@ using utils::CodeUnit;
 using utils::vemora_ustring;
 
 namespace {
-
-template <typename Source>
-HashKeys DrawKeys(Source next) {
-  return {next(), next() | 1, next() | 1, next(), next()};
-}
 
 /// Up to eight code units as a word to be hashed.
 std::uint64_t NarrowForHash(const CodeUnit* units, std::size_t count) {
@@ -58,15 +51,8 @@ void AddUnits(NameHasher& hasher, const CodeUnit* units, std::size_t count) {
 }  // namespace
 
 HashKeys MakeHashKeys() {
-  try {
-    std::random_device source;
-    static_assert(sizeof(source()) == sizeof(std::uint32_t));
-    return DrawKeys([&source] { return std::uint64_t{source()} << 32 | source(); });
-  } catch (const std::exception&) {
-    // Without a random source the keys are only hard to guess.
-    const auto now = std::chrono::high_resolution_clock::now().time_since_epoch().count();
-    return DrawKeys(std::mt19937_64(static_cast<std::uint64_t>(now)));
-  }
+  const auto next = utils::DrawRandomBits;
+  return {next(), next() | 1, next() | 1, next(), next()};
 }
 
 std::uint64_t HashName(const vemora_ustring& name) {
