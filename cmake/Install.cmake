@@ -18,6 +18,7 @@ target_sources(CommonPreferences PUBLIC
     prefs/IPreferences.h
     prefs/JsonCommon.h
     prefs/LoadResult.h
+    prefs/PreferenceVisitor.h
     prefs/Preferences.h
     prefs/PreferencesBase.h
     prefs/PreferencesDefaults.h

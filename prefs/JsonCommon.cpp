@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "prefs/DictionaryCategory.h"
 #include "prefs/JsonCommonInside.h"
 #include "prefs/PreferencesDefaults.h"
 #include "prefs/PreferencesJson.h"
@@ -28,11 +29,6 @@ std::optional<EShareLevel> FindLevel(const LevelMap& known, const NamePair& name
   const PreferenceRecord* const found = known->Find(names);
   return found != nullptr ? std::optional(static_cast<EShareLevel>(*found->GetInt()))
                           : std::nullopt;
-}
-
-/// A dictionary is kept as a category of its own.
-vemora_ustring DictionaryCategory(const vemora_ustring& name) {
-  return name + vemora_ustring(".dictionary");
 }
 
 }  // namespace

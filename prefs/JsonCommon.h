@@ -10,7 +10,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -21,6 +20,7 @@
 #include "../utils/Variant.h"
 #include "../utils/vemora_ustring.h"
 #include "IPreferences.h"
+#include "PreferenceVisitor.h"
 #include "ShareLevel.h"
 #include "store/LevelMap.h"
 
@@ -36,11 +36,6 @@ namespace vemora::prefs {
 struct PrefsData {
   EShareLevel level;
 };
-
-/// What is called with a preference: its level, category, key and value.
-using PreferenceVisitor =
-    std::function<void(EShareLevel level, const vemora_ustring& category, const vemora_ustring& key,
-                       const utils::Variant& value)>;
 
 struct LoadedFile;
 struct PreferenceFile;

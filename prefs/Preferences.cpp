@@ -1,5 +1,8 @@
 #include "prefs/Preferences.h"
 
+#include <set>
+#include <utility>
+
 #include "prefs/LoadResultState.h"
 #include "prefs/PreferencesJson.h"
 #include "prefs/PreferencesRegistry.h"
@@ -71,6 +74,42 @@ EPrefsBits PreferencesExist(EPrefsBits /*ignored*/) {
     }
   }
   return static_cast<EPrefsBits>(bits);
+}
+
+void ForEachPreference(const PreferenceVisitor& visit) {
+  if (use_json) {
+    PreferencesJson::Get().ForEachPreference(visit);
+  } else {
+    PreferencesRegistry::Get().ForEachPreference(visit);
+  }
+}
+
+std::vector<vemora_ustring> GetCategories(EShareLevel level) {
+  if (!use_json) {
+    const bool has_any = level == kThisComputerOnly || level == kNoShareLevel;
+    return has_any ? PreferencesRegistry::Get().GetCategories() : std::vector<vemora_ustring>();
+  }
+  if (level != kNoShareLevel) {
+    return PreferencesJson::Get().GetCategories(level);
+  }
+  std::set<vemora_ustring, utils::NoCaseLess> names;
+  for (std::uint32_t each = 0; each < kShareLevelCount; ++each) {
+    for (vemora_ustring& name :
+         PreferencesJson::Get().GetCategories(static_cast<EShareLevel>(each))) {
+      names.insert(std::move(name));
+    }
+  }
+  return {names.begin(), names.end()};
+}
+
+bool ReadDictionary(const vemora_ustring& name, utils::Dictionary& out) {
+  return use_json ? PreferencesJson::Get().ReadDictionary(name, out)
+                  : PreferencesRegistry::Get().ReadDictionary(name, out);
+}
+
+bool WriteDictionary(const vemora_ustring& name, const utils::Dictionary& in) {
+  return use_json ? PreferencesJson::Get().WriteDictionary(name, in)
+                  : PreferencesRegistry::Get().WriteDictionary(name, in);
 }
 
 LoadResult GetLastLoadResult() {

@@ -1,5 +1,6 @@
 #include "prefs/PreferencesBase.h"
 
+#include <iterator>
 #include <utility>
 
 namespace vemora::prefs {
@@ -113,23 +114,25 @@ void PreferencesBase::WriteValueToMaps(const vemora_ustring& category, const vem
   cache[category].insert_or_assign(key, value);
 }
 
-void PreferencesBase::SaveValue(const vemora_ustring& category, const vemora_ustring& key,
+void PreferencesBase::ForgetCategory(const vemora_ustring& category) {
+  for (auto values = cache.begin(); values != cache.end();) {
+    values = values->first.CompareNoCase(category) == 0 ? cache.erase(values) : std::next(values);
+  }
+}
+
+bool PreferencesBase::SaveValue(const vemora_ustring& category, const vemora_ustring& key,
                                 const Variant& value) {
   switch (value.GetType()) {
     case Variant::kBool:
-      SaveBool(category, key, value.GetBool());
-      break;
+      return SaveBool(category, key, value.GetBool());
     case Variant::kInt:
-      SaveInt(category, key, value.GetInt());
-      break;
+      return SaveInt(category, key, value.GetInt());
     case Variant::kDouble:
-      SaveDouble(category, key, value.GetDouble());
-      break;
+      return SaveDouble(category, key, value.GetDouble());
     case Variant::kString:
-      SaveString(category, key, value.GetString());
-      break;
+      return SaveString(category, key, value.GetString());
     default:
-      break;
+      return false;
   }
 }
 

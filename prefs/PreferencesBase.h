@@ -88,14 +88,19 @@ class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
                           const std::string& value) = 0;
   /// @}
 
+  /// Drops what the cache has of a category, in any case of its name, saved or not.
+  void ForgetCategory(const vemora_ustring& category);
+
+  /// Passes a value to the store; false when the store refuses it or its type.
+  bool SaveValue(const vemora_ustring& category, const vemora_ustring& key,
+                 const utils::Variant& value);
+
  private:
   /// Null when the cache has none.
   const utils::Variant* GetValueFromMaps(const vemora_ustring& category,
                                          const vemora_ustring& key) const;
   void WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
                         const utils::Variant& value);
-  void SaveValue(const vemora_ustring& category, const vemora_ustring& key,
-                 const utils::Variant& value);
 
   std::map<vemora_ustring, std::map<vemora_ustring, utils::Variant>> cache;
   bool writeImmediately;

@@ -3,10 +3,13 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "../utils/Dictionary.h"
 #include "../utils/Export.h"
 #include "../utils/Singleton.h"
 #include "../utils/vemora_ustring.h"
+#include "PreferenceVisitor.h"
 #include "PreferencesBase.h"
 
 #if defined(_MSC_VER)
@@ -56,6 +59,26 @@ class COMMONPREFERENCES_API PreferencesRegistry : public PreferencesBase,
   bool IsLevelEmpty(EShareLevel level) const override;
   /// Flushes the whole cache, also when writes are immediate, and then the registry.
   void Synchronize() override;
+
+  /// Calls `visit` with every value of the registry below the path, in ascending order of category
+  /// and key, at the level `kThisComputerOnly`; whole numbers come as ints and texts as texts. Of
+  /// other types, of which bytes are one, the value is empty. What was written and not flushed does
+  /// not come. What the visitor throws ends the walk.
+  void ForEachPreference(const PreferenceVisitor& visit) const;
+
+  /// The categories in ascending order, those without a preference, too.
+  std::vector<vemora_ustring> GetCategories() const;
+
+  /// Passes every bool, int, double and text of the dictionary `name` to `out.Set`, as the registry
+  /// gives it back: bools are ints then, and doubles texts. Dictionaries pass the cache by.
+  /// @return true, also when nothing was found
+  bool ReadDictionary(const vemora_ustring& name, utils::Dictionary& out) const;
+
+  /// Replaces the dictionary `name`, at once, whatever the write policy. A process that ends
+  /// meanwhile leaves a part of it.
+  /// @return false when entries were left out, because they are no bool, int, double or string, or
+  ///         because the registry refused them
+  bool WriteDictionary(const vemora_ustring& name, const utils::Dictionary& in);
 
   /// The key below the current user's root; "Software\Quillane\Quillane 2018" at first.
   static vemora_ustring GetPath();

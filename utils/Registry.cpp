@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "utils/DecimalText.h"
+#include "utils/RegistryTypes.h"
 
 namespace vemora::utils {
 namespace {
@@ -248,13 +249,7 @@ vemora_ustring Registry::LoadStringW(HKEY root, const vemora_ustring& path,
                                      const vemora_ustring& category, const vemora_ustring& name,
                                      const vemora_ustring& defaultValue) {
   std::string bytes;
-  if (!QueryBytes(root, path, category, name, bytes)) {
-    return defaultValue;
-  }
-  vemora_ustring text(bytes.size() / sizeof(wchar_t), L'\0');
-  bytes.copy(reinterpret_cast<char*>(text.data()), text.size() * sizeof(wchar_t));
-  text.resize(std::min(text.find(L'\0'), text.size()));
-  return text;
+  return QueryBytes(root, path, category, name, bytes) ? ToRegistryText(bytes) : defaultValue;
 }
 
 std::string Registry::LoadBinary(HKEY root, const vemora_ustring& path,

@@ -6,7 +6,6 @@
 #include <iostream>
 #include <string>
 
-#include "prefs/JsonCommon.h"
 #include "prefs/Preferences.h"
 #include "prefs/PreferencesDefaults.h"
 
@@ -65,17 +64,23 @@ std::string Describe(const Variant& value) {
 }
 
 void WriteAndReadDictionary() {
-  auto& store = dynamic_cast<prefs::JsonCommon&>(prefs::Get());
   Dictionary window;
   window.Set(L"width", 640);
   window.Set(L"maximised", false);
-  store.WriteDictionary(L"Main Window", window);
+  prefs::WriteDictionary(L"Main Window", window);
 
   Dictionary read;
-  store.ReadDictionary(L"Main Window", read);
+  prefs::ReadDictionary(L"Main Window", read);
   for (const auto& [key, value] : read) {
     std::cout << "Main Window, " << key.ToUtf8() << ": " << Describe(value) << '\n';
   }
+}
+
+void ListAll() {
+  prefs::ForEachPreference([](prefs::EShareLevel level, const vemora_ustring& category,
+                              const vemora_ustring& key, const Variant&) {
+    std::cout << level << ' ' << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
+  });
 }
 
 void PrintFile(const std::filesystem::path& path) {
@@ -104,6 +109,7 @@ int main(int argc, char** argv) {
   ShowKnownLevels();
   ShowOverwriteProtection();
   WriteAndReadDictionary();
+  ListAll();
   prefs::Get().SavePreferences();
   if (const prefs::SaveResult save = prefs::GetLastSaveResult();
       save.result == prefs::ESaveResult::kFailed) {

@@ -6,10 +6,12 @@
 #include <map>
 #include <string>
 
+#include "utils/RegistryTypes.h"
+
 namespace vemora::utils {
 namespace {
 
-using Values = std::map<vemora_ustring, std::string, NoCaseLess>;
+using Values = std::map<vemora_ustring, RegistryValue, NoCaseLess>;
 using Keys = std::map<vemora_ustring, Values, NoCaseLess>;
 
 Keys& AllKeys() {
@@ -29,13 +31,13 @@ const std::string* Find(const vemora_ustring& path, const vemora_ustring& catego
     return nullptr;
   }
   const auto value = key->second.find(name);
-  return value == key->second.end() ? nullptr : &value->second;
+  return value == key->second.end() ? nullptr : &value->second.bytes;
 }
 
 bool HasZero(const vemora_ustring& name) { return name.find(CodeUnit{0}) != vemora_ustring::npos; }
 
 bool Store(const vemora_ustring& path, const vemora_ustring& category, const vemora_ustring& name,
-           const std::string& bytes) {
+           std::uint32_t type, const std::string& bytes) {
   if (HasZero(path) || HasZero(category) || HasZero(name)) {
     return false;
   }
@@ -44,15 +46,22 @@ bool Store(const vemora_ustring& path, const vemora_ustring& category, const vem
     end = key.find(CodeUnit{'\\'}, end + 1);
     AllKeys()[key.substr(0, end)];
   }
-  AllKeys()[key][name] = bytes;
+  RegistryValue value = {name, type, bytes};
+  AllKeys()[key].insert_or_assign(name, std::move(value));
   return true;
 }
 
-bool HasSubkeys(const vemora_ustring& key) {
+/// What follows a key and a separator in the name of another key; nothing for a key elsewhere.
+std::optional<vemora_ustring> RestBelow(const vemora_ustring& key, const vemora_ustring& other) {
   const vemora_ustring beginning = key + vemora_ustring("\\");
-  return std::any_of(AllKeys().begin(), AllKeys().end(), [&beginning](const auto& entry) {
-    return vemora_ustring(entry.first.substr(0, beginning.size())).CompareNoCase(beginning) == 0;
-  });
+  const bool below =
+      vemora_ustring(other.substr(0, beginning.size())).CompareNoCase(beginning) == 0;
+  return below ? std::optional(vemora_ustring(other.substr(beginning.size()))) : std::nullopt;
+}
+
+bool HasSubkeys(const vemora_ustring& key) {
+  return std::any_of(AllKeys().begin(), AllKeys().end(),
+                     [&key](const auto& entry) { return RestBelow(key, entry.first).has_value(); });
 }
 
 }  // namespace
@@ -115,7 +124,7 @@ vemora_ustring Registry::LoadStringW(HKEY /*root*/, const vemora_ustring& path,
                                      const vemora_ustring& category, const vemora_ustring& name,
                                      const vemora_ustring& defaultValue) {
   const std::string* bytes = Find(path, category, name);
-  return bytes != nullptr ? vemora_ustring::FromUtf8(*bytes) : defaultValue;
+  return bytes != nullptr ? ToRegistryText(*bytes) : defaultValue;
 }
 
 std::string Registry::LoadBinary(HKEY /*root*/, const vemora_ustring& path,
@@ -127,7 +136,8 @@ std::string Registry::LoadBinary(HKEY /*root*/, const vemora_ustring& path,
 
 bool Registry::SaveInt(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,
                        const vemora_ustring& name, int value) {
-  return Store(path, category, name, {reinterpret_cast<const char*>(&value), sizeof(value)});
+  return Store(path, category, name, kRegistryDword,
+               {reinterpret_cast<const char*>(&value), sizeof(value)});
 }
 
 bool Registry::SaveBool(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
@@ -142,12 +152,44 @@ bool Registry::SaveDouble(HKEY root, const vemora_ustring& path, const vemora_us
 
 bool Registry::SaveString(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name, const vemora_ustring& value) {
-  return Store(path, category, name, value.ToUtf8());
+  return Store(
+      path, category, name, kRegistryText,
+      {reinterpret_cast<const char*>(value.c_str()), (value.size() + 1) * sizeof(CodeUnit)});
 }
 
 bool Registry::SaveBinary(HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name, const std::string& value) {
-  return Store(path, category, name, value);
+  return Store(path, category, name, kRegistryBinary, value);
+}
+
+std::optional<std::vector<vemora_ustring>> Registry::EnumerateKeys(HKEY /*root*/,
+                                                                   const vemora_ustring& path,
+                                                                   const vemora_ustring& category) {
+  const vemora_ustring key = Join(path, category);
+  if (AllKeys().count(key) == 0) {
+    return std::nullopt;
+  }
+  std::vector<vemora_ustring> names;
+  for (const auto& [other, values] : AllKeys()) {
+    const std::optional<vemora_ustring> rest = RestBelow(key, other);
+    if (rest.has_value() && rest->find(CodeUnit{'\\'}) == vemora_ustring::npos) {
+      names.push_back(*rest);
+    }
+  }
+  return names;
+}
+
+std::optional<std::vector<RegistryValue>> Registry::EnumerateValues(
+    HKEY /*root*/, const vemora_ustring& path, const vemora_ustring& category) {
+  const auto key = AllKeys().find(Join(path, category));
+  if (key == AllKeys().end()) {
+    return std::nullopt;
+  }
+  std::vector<RegistryValue> values;
+  for (const auto& [name, value] : key->second) {
+    values.push_back(value);
+  }
+  return values;
 }
 
 void Registry::Synchronize(HKEY /*key*/) {}

@@ -10,11 +10,8 @@
 #include <variant>
 #include <vector>
 
+#include "dll/back_ends.h"
 #include "prefs/IPreferences.h"
-#include "prefs/Preferences.h"
-#include "prefs/PreferencesDefaults.h"
-#include "prefs/PreferencesRegistry.h"
-#include "registry_key.h"
 #include "support.h"
 
 namespace vemora::prefs {
@@ -22,59 +19,20 @@ namespace {
 
 using contract::BackEnd;
 using contract::Storage;
-using testing::RegistryKey;
-using testing::ScratchFolder;
-using testing::ToText;
+using testing::Files;
+using testing::Key;
 
-/// Ends the JSON back end without a save.
-void ForgetFiles() {
-  SetPaths({}, {}, {});
-  SetSavePrefsFlag(false, false);
-  Destroy();
-}
-
-/// Two files. What no test knows the level of is kept at the given one; at `kNoShareLevel` as it is
-/// at first.
-class Files : public Storage {
+/// Makes a storage of one of the library's back ends.
+template <typename Kept>
+class StorageOf : public Storage {
  public:
-  explicit Files(EShareLevel level) : level_(level) {}
-  ~Files() override { ForgetFiles(); }
+  template <typename Choice>
+  explicit StorageOf(Choice choice) : kept_(choice) {}
 
-  IPreferences& Open() override {
-    ForgetFiles();
-    SetPaths(ToText(folder_ / "private.json"), ToText(folder_ / "shared.json"), {});
-    return Get();
-  }
+  IPreferences& Open() override { return kept_.Open(); }
 
  private:
-  ScratchFolder folder_;
-  ShareLevelOverride level_;
-};
-
-/// A key of the registry.
-class Key : public Storage {
- public:
-  explicit Key(bool immediately) : immediately_(immediately) {}
-  ~Key() override {
-    EndWithoutFlush();
-    ForgetFiles();
-  }
-
-  IPreferences& Open() override {
-    EndWithoutFlush();
-    PreferencesRegistry::SetWriteImmediately(immediately_);
-    SetPath(key_.path());
-    return Get();
-  }
-
- private:
-  static void EndWithoutFlush() {
-    PreferencesRegistry::SetWriteImmediately(true);
-    PreferencesRegistry::Destroy();
-  }
-
-  RegistryKey key_;
-  bool immediately_;
+  Kept kept_;
 };
 
 struct NoCase {
@@ -193,14 +151,15 @@ class Map : public Storage {
 };
 
 BackEnd Json(std::string name, EShareLevel level, EShareLevel expected) {
-  BackEnd back_end{std::move(name), [level] { return std::make_unique<Files>(level); }};
+  BackEnd back_end{std::move(name), [level] { return std::make_unique<StorageOf<Files>>(level); }};
   back_end.level = expected;
   back_end.keeps_binary_values = false;
   return back_end;
 }
 
 BackEnd InRegistry(std::string name, bool immediately) {
-  BackEnd back_end{std::move(name), [immediately] { return std::make_unique<Key>(immediately); }};
+  BackEnd back_end{std::move(name),
+                   [immediately] { return std::make_unique<StorageOf<Key>>(immediately); }};
   back_end.takes_any_name = false;
   back_end.defers_writes = !immediately;
   return back_end;

@@ -5,6 +5,7 @@
 #include "prefs/IPreferences.h"
 #include "prefs/JsonCommon.h"
 #include "prefs/LoadResult.h"
+#include "prefs/PreferenceVisitor.h"
 #include "prefs/Preferences.h"
 #include "prefs/PreferencesBase.h"
 #include "prefs/PreferencesDefaults.h"

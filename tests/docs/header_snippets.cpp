@@ -30,6 +30,30 @@ void OfPreferences(const vemora_ustring& privateFile, const vemora_ustring& shar
   bool open = vemora::prefs::Get().ReadBool(L"Console", L"Open", false);
 }
 
+void OfForEachPreferenceOfTheFrontDoor() {
+  vemora::prefs::ForEachPreference(
+      [](EShareLevel, const auto& category, const auto& key, const auto& value) {
+        std::cout << category.ToUtf8() << " / " << key.ToUtf8() << ": " << value.GetInt();
+      });
+}
+
+void OfGetCategories() {
+  for (const vemora_ustring& category : vemora::prefs::GetCategories()) {
+    std::cout << category.ToUtf8() << '\n';
+  }
+}
+
+void OfReadDictionary() {
+  utils::Dictionary window;
+  vemora::prefs::ReadDictionary(L"Main Window", window);
+}
+
+void OfWriteDictionary() {
+  utils::Dictionary window;
+  window.Set(L"width", 640);
+  vemora::prefs::WriteDictionary(L"Main Window", window);
+}
+
 void OfLoadResult() {
   const LoadResult found = vemora::prefs::GetLastLoadResult();
   const bool damaged = found.private_file.result == ELoadResult::kMalformed;

@@ -140,6 +140,14 @@ const std::vector<Operation> kRegistryOperations = {
     {"GetPath", [] { PreferencesRegistry::GetPath(); }},
     {"PreferencesExist", [] { PreferencesExist(kAllPrefs); }},
     {"GetLastLoadResult", [] { GetLastLoadResult(); }},
+    {"ForEachPreference",
+     [] { ForEachPreference([](auto, const auto&, const auto&, const auto&) {}); }},
+    {"GetCategories", [] { GetCategories(); }},
+    {"ReadDictionary",
+     [] {
+       utils::Dictionary read;
+       ReadDictionary(kOldCategory, read);
+     }},
 };
 
 INSTANTIATE_TEST_SUITE_P(Operations, RegistryOutOfMemory,
