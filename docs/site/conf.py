@@ -39,7 +39,7 @@ copybutton_prompt_is_regexp = True
 
 IMPORT = 'import Gumshoe from "./gumshoe-patched.js";'
 HEADING = re.compile(r"^## (.+)$")
-PAGE = re.compile(r"^- \[.+?\]\((.+?)\.md\)")
+PAGE = re.compile(r"^- \[(.+?)\]\((.+?)\.md\)")
 
 
 def menu(text):
@@ -48,7 +48,7 @@ def menu(text):
         if heading := HEADING.match(line):
             yield f"```\n\n```{{toctree}}\n:hidden:\n:caption: {heading[1]}\n"
         elif page := PAGE.match(line):
-            yield page[1]
+            yield f"{page[1]} <{page[2]}>"
 
 
 def add_menu(app, name, source):
