@@ -1,12 +1,12 @@
 /// @file
-/// The JSON back end: preferences in memory, one map per share level, kept in two files. The store
-/// owns its maps and paths; every Dictionary stays the caller's.
+/// The JSON back end: preferences in memory, one map for each share level, kept in two files. The
+/// store owns its maps and paths. A Dictionary belongs to the caller.
 ///
-/// Many threads may read one store at once, or one thread may change it, under a lock of the host's
-/// own, such as a std::shared_mutex. Reads are `IsPreferenceSet`, `CategoryExists`, `GetLevel`,
+/// Many threads may read one store at once, or one thread may change it, under a lock of the
+/// program, such as a std::shared_mutex. Reads are `IsPreferenceSet`, `CategoryExists`, `GetLevel`,
 /// `IsLevelEmpty`, `Read...`, `ForEachPreference`, `GetCategories`, `GetValueFromMaps`,
-/// `Get...Path` and copying the store; all else changes it, and so, for all stores, do guards of
-/// PreferencesDefaults.h and `setlocale`. A copy is a store by itself and needs no lock.
+/// `Get...Path` and copying the store. Everything else changes it. The guards of
+/// PreferencesDefaults.h and `setlocale` change all stores. A copy is a store of its own.
 #pragma once
 
 #include <array>
@@ -32,8 +32,9 @@
 
 namespace vemora::prefs {
 
-/// What is known of a classified preference.
+/// What the table has about a known preference.
 struct PrefsData {
+  /// Its share level.
   EShareLevel level;
 };
 
@@ -42,32 +43,41 @@ struct PreferenceFile;
 
 /// A store of preferences that saves level 0 to a private file and levels 1 to 6 to a shared file.
 ///
-/// The level of a preference follows from its name: a built-in table knows some pairs of category
-/// and key, all others take the default share level of PreferencesDefaults.h. Reads and writes look
-/// at that one level only. Missing, unreadable and malformed files count as empty; failed saves are
-/// not reported. Both is otherwise in the protected mode of SaveMode.h.
+/// The level of a preference depends on its name. A built-in table knows some pairs of category and
+/// key; all others take the default share level of PreferencesDefaults.h. Reads and writes look at
+/// that one level only.
+///
+/// In the default save mode, missing, unreadable and malformed files count as empty, and failed
+/// saves are not reported. The protected mode of SaveMode.h differs in both.
 ///
 ///     JsonCommon store;
 ///     store.SetPaths(L"C:/Users/u/private.json", L"C:/Users/u/shared.json");
 ///     store.LoadPreferences();
 ///
-/// Binary values are not supported, on purpose: they are accepted and dropped.
+/// Binary values are not kept: writes accept and drop them.
 class COMMONPREFERENCES_API JsonCommon : public IPreferences {
  public:
   /// An empty store without paths.
   JsonCommon();
+  /// The copy has the same preferences, paths, flags and unsaved changes, and saves by itself.
+  /// @{
   JsonCommon(const JsonCommon& other);
   JsonCommon& operator=(const JsonCommon& other);
+  /// @}
 
   bool IsPreferenceSet(const vemora_ustring& category, const vemora_ustring& key) override;
+  /// Whether any level has the category, also one that a file holds without a preference.
   bool CategoryExists(const vemora_ustring& category) override;
+  /// Deletes the category at all levels. Nothing happens if there is no such category.
   void DeleteCategory(const vemora_ustring& category) override;
+  /// Deletes a preference at its level. Nothing happens if there is no such preference.
   void DeletePreference(const vemora_ustring& category, const vemora_ustring& key) override;
   EShareLevel GetLevel(const vemora_ustring& category, const vemora_ustring& key) override;
   /// True for a level outside 0 to 6, which can hold nothing.
   bool IsLevelEmpty(EShareLevel level) const override;
 
-  /// Writes always return true, also when the overwrite flag kept the old value.
+  /// Reads return `defaultValue` if the preference is absent at its level or has another type.
+  /// Writes always return true, also if the overwrite flag kept the old value.
   /// @{
   int ReadInt(const vemora_ustring& category, const vemora_ustring& key, int defaultValue) override;
   bool WriteInt(const vemora_ustring& category, const vemora_ustring& key, int value) override;
@@ -84,15 +94,15 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   bool WriteBool(const vemora_ustring& category, const vemora_ustring& key, bool value) override;
   /// @}
 
-  /// Always an empty byte string: not even the default is returned.
+  /// Always returns an empty string of bytes, never the default.
   std::string ReadBinary(const vemora_ustring& category, const vemora_ustring& key,
                          const std::string& defaultValue) override;
   /// Stores nothing and returns true.
   bool WriteBinary(const vemora_ustring& category, const vemora_ustring& key,
                    const std::string& value) override;
 
-  /// Reads the shared file, then the private one. Levels that a file does not provide stay as they
-  /// were, so loading other files keeps what these lack. Running out of memory changes nothing.
+  /// Reads the shared file, then the private one. Levels that a file does not contain stay as they
+  /// were in memory. Running out of memory changes nothing.
   void LoadPreferences() override;
 
   /// Saves both files, whether or not anything changed.
@@ -101,66 +111,74 @@ class COMMONPREFERENCES_API JsonCommon : public IPreferences {
   /// The same as `SavePreferences`; nothing is loaded again.
   void Synchronize() override;
 
-  /// Deletes the files, if `SetSavePrefsFlag` asked for that; then saves unsaved changes, if saving
+  /// Deletes the files if `SetSavePrefsFlag` asked for that. Then saves unsaved changes if saving
   /// is on.
   ~JsonCommon() override;
 
-  /// Passes every stored entry of the dictionary `name` to `out.Set`; those of higher levels come
-  /// later. Other entries of `out` stay.
-  /// @return true, also when nothing was found
+  /// Passes every stored entry of the dictionary `name` to `out.Set`, those of higher levels later.
+  /// Other entries of `out` stay.
+  /// @return true, also if nothing was found
   virtual bool ReadDictionary(const vemora_ustring& name, utils::Dictionary& out);
 
   /// Replaces the dictionary `name` in all levels by the entries of `in`, each at its own level.
-  /// @return false when entries were left out because they are no bool, int, double or string
+  /// @return false if entries were left out because they are no bool, int, double or string
   virtual bool WriteDictionary(const vemora_ustring& name, const utils::Dictionary& in);
 
   /// Calls `visit` with every preference, in ascending order of level, category and key, as
-  /// `CompareNoCase` orders names. The store is walked as it was when the call began, in a copy:
-  /// the visitor may change it, or destroy it. What the visitor throws ends the walk.
+  /// `CompareNoCase` orders names. The walk goes through a copy that is made when the call begins,
+  /// so the visitor may change or even destroy the store. An exception of the visitor ends the
+  /// walk.
   ///
   ///     store.ForEachPreference([](auto, const auto& category, const auto& key, const auto&) {
   ///       std::cout << category.ToUtf8() << " / " << key.ToUtf8() << '\n';
   ///     });
   void ForEachPreference(const PreferenceVisitor& visit) const;
 
-  /// The categories of one level in ascending order, those that a file holds without a preference,
-  /// too; none for a level outside 0 to 6.
+  /// The categories of one level in ascending order, also those that a file holds without a
+  /// preference. A level outside 0 to 6 has none.
   std::vector<vemora_ustring> GetCategories(EShareLevel level) const;
 
-  /// Deletes both files from disk; what is in memory stays. In protected mode, the lock file and
-  /// what a killed process left go with them; copies of malformed files ("name.bad") are the user's
-  /// and stay.
+  /// Deletes both files from disk. What is in memory stays. In protected mode, the lock file and
+  /// leftovers of a killed process go with them. Copies of malformed files ("name.bad") belong to
+  /// the user and stay.
   void DeletePreferences();
 
-  /// What happens when the store is destroyed: whether unsaved changes are saved (they are, unless
-  /// told otherwise), and whether the files are deleted first (they are not). With both set and
-  /// unsaved changes the files are deleted and then written anew.
+  /// Sets what happens when the store is destroyed. With both set and unsaved changes, the files
+  /// are deleted and then written again.
+  /// @param save whether unsaved changes are saved; true at first
+  /// @param deleteFiles whether both files are deleted first; false at first
   void SetSavePrefsFlag(bool save, bool deleteFiles);
 
+  /// The file of level 0, as it was named.
   const vemora_ustring& GetPrivatePath() const;
+  /// The file of levels 1 to 6, as it was named.
   const vemora_ustring& GetSharedPath() const;
 
-  /// Names the files of later loads and saves; loads nothing.
+  /// Names the files of later loads and saves. It loads nothing.
   void SetPaths(const vemora_ustring& privatePath, const vemora_ustring& sharedPath);
 
  protected:
-  /// The stored value, or an empty Variant. Looks at the level that `GetLevel` gives only.
+  /// The stored value, or an empty Variant. It looks only at the level that `GetLevel` returns.
   utils::Variant GetValueFromMaps(const vemora_ustring& category, const vemora_ustring& key);
 
-  /// Stores a value at its level, unless the overwrite flag is false and there is one already.
+  /// Stores a value at its level, unless the overwrite flag is false and there is a value already.
   void WriteValueToMaps(const vemora_ustring& category, const vemora_ustring& key,
                         const utils::Variant& value);
 
-  /// Classifies a preference; false when it was classified already, which is then replaced.
+  /// Gives a preference a fixed level.
+  /// @return false if it had one already, which is replaced
   bool LoadLevel(const vemora_ustring& category, const vemora_ustring& key, const PrefsData& data);
 
-  /// Rebuilds the classification from the built-in table.
+  /// Gives the known preferences of the built-in table their levels, and all others none.
   void LoadLevelData();
 
+  /// Loads or saves one of the two files, as `LoadPreferences` and `SavePreferences` do for both.
+  /// @{
   void LoadSharedPreferences();
   void LoadPrivatePreferences();
   void SaveSharedPreferences();
   void SavePrivatePreferences();
+  /// @}
 
  private:
   /// The preferences of each share level, indexed by `EShareLevel`.

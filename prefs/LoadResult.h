@@ -1,6 +1,6 @@
 /// @file
-/// What the latest load of preferences found: a new user, a destroyed file and a file that another
-/// program holds give the same empty store.
+/// What the latest load of preferences found. A new user, a destroyed file and a file that another
+/// program holds all give an empty store; the result of the load tells which it was.
 #pragma once
 
 #include <cstdint>
@@ -10,77 +10,84 @@
 
 namespace vemora::prefs {
 
+/// What a load found in one file.
 enum class ELoadResult {
   /// There was no load yet, or the store has no such file.
   kNotLoaded,
-  /// What the file holds is in memory, but for the members that were skipped.
+  /// What the file holds is in memory, except the members that were skipped.
   kLoaded,
+  /// There is no such file.
   kMissing,
   /// The file has no bytes.
   kEmpty,
   /// The text is no JSON, or its root holds no share level. Nothing was taken from it.
   kMalformed,
-  /// The file is there, and the system does not let it be read.
+  /// The file exists, but the system refuses to read it.
   kUnreadable
 };
 
-/// How many members of a file a load skipped, by what they are.
+/// How many members of a file a load skipped, and of which kind.
 struct SkippedMembers {
+  /// Members that are null.
   std::uint32_t nulls = 0;
   /// Whole numbers that an int cannot hold.
   std::uint32_t large_integers = 0;
+  /// Arrays in place of a value.
   std::uint32_t arrays = 0;
   /// Objects in place of a value.
   std::uint32_t objects = 0;
-  /// What stands in place of a level or a category and is no object, and what follows the last
+  /// Members in place of a level or a category that are no objects, and members after the last
   /// level.
   std::uint32_t misplaced = 0;
 };
 
 /// What a load found in one place.
 struct FileLoadResult {
-  /// As the host named it.
+  /// The path as the program named it.
   vemora_ustring path;
+  /// What the load found.
   ELoadResult result = ELoadResult::kNotLoaded;
-  /// Why the file was not readable, as the system numbers its errors; else 0.
+  /// Why the file could not be read, numbered as by `GetLastError`; else 0.
   std::uint32_t error = 0;
 
-  /// What is wrong with a malformed text, in English; empty otherwise. It lives as long as the
-  /// library.
+  /// What is wrong with a malformed text, in English; else empty. It lives as long as the library.
   const char* message = "";
-  /// Where, counted from 1, the column in bytes; 0 when the text is JSON.
+  /// Where the text is malformed, counted from 1, the column in bytes; 0 if the text is JSON.
   /// @{
   std::uint32_t line = 0;
   std::uint32_t column = 0;
   /// @}
 
+  /// What the load left out.
   SkippedMembers skipped;
 };
 
-/// What a load found in both places. The registry back end has one: `private_file` is about its
-/// key, of which `path` is the name below the current user's root.
+/// What a load found in both files. The registry back end has one place only: `private_file` then
+/// tells about its key, and `path` is the name of that key below `HKEY_CURRENT_USER`.
 struct LoadResult {
+  /// The file that stays on this computer, or the key of the registry.
   FileLoadResult private_file;
+  /// The file that may travel.
   FileLoadResult shared_file;
 };
 
 /// What the latest load of a JSON store of this process found, in either save mode. While the
-/// registry back end is chosen, whether its key is there now: `kLoaded` or `kMissing`.
+/// registry back end is chosen, it tells whether the key exists now: `kLoaded` or `kMissing`.
 ///
 ///     const LoadResult found = vemora::prefs::GetLastLoadResult();
 ///     const bool damaged = found.private_file.result == ELoadResult::kMalformed;
 ///
-/// Called from the thread that uses the preferences.
+/// Call it from the thread that uses the preferences.
 /// @throws std::bad_alloc
 COMMONPREFERENCES_API LoadResult GetLastLoadResult();
 
-/// Whether every later load and save keeps a copy of a malformed file beside it, as "name.bad"; of
-/// earlier ones as "name.bad.2" to "name.bad.5". At first only saves in protected mode do, and all
-/// other saves overwrite the file. When the copy cannot be made, the save leaves the file as it is.
+/// Lets every later load and save keep a copy of a malformed file beside it, as "name.bad"; earlier
+/// copies are "name.bad.2" to "name.bad.5". At first only saves in protected mode do so, and all
+/// other saves overwrite the file. If the copy cannot be made, the save leaves the file as it is.
 ///
 ///     vemora::prefs::KeepUnreadableFiles(true);  // before SetPaths, which loads
 ///
-/// Does not concern the registry back end. Never fails.
+/// It has no effect on the registry back end, and never fails.
 COMMONPREFERENCES_API void KeepUnreadableFiles(bool keep);
 
 }  // namespace vemora::prefs

@@ -1,5 +1,5 @@
 /// @file
-/// What is called with preferences one after the other.
+/// The function that a walk through all preferences calls.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 namespace vemora::prefs {
 
-/// What is called with a preference: its level, category, key and value.
+/// Is called once for each preference, with its level, category, key and value.
 using PreferenceVisitor =
     std::function<void(EShareLevel level, const vemora_ustring& category, const vemora_ustring& key,
                        const utils::Variant& value)>;

@@ -1,5 +1,5 @@
 /// @file
-/// A cache of values in front of a store that a subclass supplies. Not thread-safe.
+/// A cache of values in front of a store that a subclass supplies. One thread at a time uses it.
 #pragma once
 
 #include <map>
@@ -22,21 +22,24 @@
 
 namespace vemora::prefs {
 
-/// The typed reads and writes of `IPreferences` over ten primitives of a subclass.
+/// Makes the typed reads and writes of `IPreferences` out of ten functions of a subclass.
 ///
-/// A value written in this process is read back from memory, if it is read as the type it was
-/// written as; every other read goes to the store and is not remembered. Binary values always go
-/// to the store. The cache only grows: what is deleted in the store is still read from the cache if
-/// it was written in this process, and the next flush writes it again.
+/// A value that was written in this process is read back from memory, if it is read as the type
+/// that was written. Every other read goes to the store and is not remembered. Binary values always
+/// go to the store. The cache only grows: if a value was written in this process and then deleted
+/// in the store, reads still find it in the cache, and the next flush writes it again.
 class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
  public:
   /// @param immediately whether each write goes to the store at once
   explicit PreferencesBase(bool immediately);
+  /// The copy has a cache of its own.
+  /// @{
   PreferencesBase(const PreferencesBase& other);
   PreferencesBase& operator=(const PreferencesBase& other);
+  /// @}
 
   int ReadInt(const vemora_ustring& category, const vemora_ustring& key, int defaultValue) override;
-  /// Writes return the store's verdict, or true when they only reach the cache.
+  /// Returns what the store returned, or true if the value only reached the cache.
   bool WriteInt(const vemora_ustring& category, const vemora_ustring& key, int value) override;
   double ReadDouble(const vemora_ustring& category, const vemora_ustring& key,
                     double defaultValue) override;
@@ -54,18 +57,18 @@ class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
   bool WriteBinary(const vemora_ustring& category, const vemora_ustring& key,
                    const std::string& value) override;
 
-  /// Writes nothing; a subclass that wants a last flush makes it in its own destructor.
+  /// Writes nothing. A subclass that wants a last flush makes it in its own destructor.
   ~PreferencesBase() override;
 
  protected:
-  /// Does nothing: values are read when they are asked for.
+  /// Does nothing, because values are read when they are asked for.
   void LoadPreferences() override;
 
-  /// Writes every cached value to the store, in ascending order of category and key. A value that
-  /// the store refuses does not stop the others; the cache stays as it is.
+  /// Writes every cached value to the store, in ascending order of category and key. If the store
+  /// refuses a value, the others are written all the same. The cache stays as it is.
   void SavePreferences() override;
 
-  /// The store. Loads return the stored value or the default; saves return whether they succeeded.
+  /// The store. Loads return the stored value or the default. Saves return whether they succeeded.
   /// @{
   virtual int LoadInt(const vemora_ustring& category, const vemora_ustring& key,
                       int defaultValue) = 0;
@@ -88,10 +91,11 @@ class COMMONPREFERENCES_API PreferencesBase : public IPreferences {
                           const std::string& value) = 0;
   /// @}
 
-  /// Drops what the cache has of a category, in any case of its name, saved or not.
+  /// Removes a category from the cache, in any case of its name, whether or not it was saved.
   void ForgetCategory(const vemora_ustring& category);
 
-  /// Passes a value to the store; false when the store refuses it or its type.
+  /// Writes a value to the store.
+  /// @return false if the store refuses the value or its type
   bool SaveValue(const vemora_ustring& category, const vemora_ustring& key,
                  const utils::Variant& value);
 

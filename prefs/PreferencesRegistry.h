@@ -1,5 +1,6 @@
 /// @file
-/// The registry back end: preferences below one key of the current user. Not thread-safe.
+/// The registry back end: preferences below one key of the current user. One thread at a time uses
+/// it, also for reads.
 #pragma once
 
 #include <string>
@@ -33,9 +34,10 @@ extern template class COMMONPREFERENCES_TEMPLATE_DECLARE
 
 namespace vemora::prefs {
 
-/// One subkey per category and one registry value per key, encoded as `utils::Registry` tells.
+/// Has a subkey for each category and a value for each key. `utils::Registry` tells how values are
+/// stored.
 ///
-/// Made by `vemora::prefs::SetPath` or on first use; deleted at process exit.
+/// `vemora::prefs::SetPath` or the first use makes it. It is deleted at the end of the process.
 ///
 ///     PreferencesRegistry::SetWriteImmediately(false);  // before the first use
 ///     vemora::prefs::SetPath(LR"(Software\Vendor\App)");
@@ -45,54 +47,57 @@ class COMMONPREFERENCES_API PreferencesRegistry : public PreferencesBase,
   PreferencesRegistry(const PreferencesRegistry&) = delete;
   PreferencesRegistry& operator=(const PreferencesRegistry&) = delete;
 
-  /// Flushes the cache if the static write policy is, at that moment, not immediate.
+  /// Flushes the cache if writes are deferred at that moment (`GetWriteImmediately`).
   ~PreferencesRegistry() override;
 
   bool IsPreferenceSet(const vemora_ustring& category, const vemora_ustring& key) override;
+  /// Whether the registry has the category's key.
   bool CategoryExists(const vemora_ustring& category) override;
-  /// Deletions reach the registry only, not the cache. A category with subkeys stays.
+  /// Deletes the category from the registry, not from the cache. A category with subkeys stays.
   void DeleteCategory(const vemora_ustring& category) override;
+  /// Deletes the value from the registry, not from the cache.
   void DeletePreference(const vemora_ustring& category, const vemora_ustring& key) override;
-  /// Always `kThisComputerOnly`: the registry has no share levels.
+  /// Always `kThisComputerOnly`, because the registry has no share levels.
   EShareLevel GetLevel(const vemora_ustring& category, const vemora_ustring& key) override;
   /// Always false.
   bool IsLevelEmpty(EShareLevel level) const override;
-  /// Flushes the whole cache, also when writes are immediate, and then the registry.
+  /// Flushes the whole cache, also if writes are immediate, and then the registry.
   void Synchronize() override;
 
   /// Calls `visit` with every value of the registry below the path, in ascending order of category
-  /// and key, at the level `kThisComputerOnly`; whole numbers come as ints and texts as texts. Of
-  /// other types, of which bytes are one, the value is empty. What was written and not flushed does
-  /// not come. What the visitor throws ends the walk.
+  /// and key, at the level `kThisComputerOnly`. Whole numbers come as ints and texts as texts;
+  /// anything else, bytes for instance, comes with an empty value. Values that were not flushed yet
+  /// do not come. An exception of the visitor ends the walk.
   void ForEachPreference(const PreferenceVisitor& visit) const;
 
-  /// The categories in ascending order, those without a preference, too.
+  /// The categories in ascending order, also those without a preference.
   std::vector<vemora_ustring> GetCategories() const;
 
-  /// Passes every bool, int, double and text of the dictionary `name` to `out.Set`, as the registry
-  /// gives it back: bools are ints then, and doubles texts. Dictionaries pass the cache by.
-  /// @return true, also when nothing was found
+  /// Passes every bool, int, double and text of the dictionary `name` to `out.Set`. Bools come back
+  /// as ints, and doubles as texts. Dictionaries do not use the cache.
+  /// @return true, also if nothing was found
   bool ReadDictionary(const vemora_ustring& name, utils::Dictionary& out) const;
 
-  /// Replaces the dictionary `name`, at once, whatever the write policy. A process that ends
+  /// Replaces the dictionary `name` at once, also if writes are deferred. A process that is killed
   /// meanwhile leaves a part of it.
-  /// @return false when entries were left out, because they are no bool, int, double or string, or
+  /// @return false if entries were left out, because they are no bool, int, double or string, or
   ///         because the registry refused them
   bool WriteDictionary(const vemora_ustring& name, const utils::Dictionary& in);
 
-  /// The key below the current user's root; "Software\Quillane\Quillane 2018" at first.
+  /// The key below `HKEY_CURRENT_USER`, "Software\Quillane\Quillane 2018" at first.
   static vemora_ustring GetPath();
 
-  /// Values that are cached stay and will be flushed below the new path.
+  /// Chooses another key. Cached values stay, and the next flush writes them below the new key.
   static void SetPath(const vemora_ustring& path);
 
   /// Whether the key of the path exists.
   static bool PathExists();
 
-  /// The write policy: true at first. An instance takes it when it is made and keeps it; after
-  /// that, a change decides only whether the cache is flushed when the instance is destroyed. This
-  /// split is meant: set it before the first use.
+  /// Whether writes go to the registry at once. True at first.
   static bool GetWriteImmediately();
+  /// Decides whether writes go to the registry at once. Call it before the first use: an instance
+  /// keeps the policy that it was made with. A later change only decides whether the cache is
+  /// flushed when the instance is destroyed.
   static void SetWriteImmediately(bool writeImmediately);
 
  protected:

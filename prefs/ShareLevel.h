@@ -11,8 +11,8 @@ namespace vemora::prefs {
 
 using utils::vemora_ustring;
 
-/// Where a preference is meant to apply. Level 0 stays on this computer; levels 1 to 6 lie in the
-/// file that travels between computers.
+/// Which computers a preference is meant for. Level 0 stays on this computer; levels 1 to 6 lie in
+/// the file that may travel between computers.
 enum EShareLevel : std::uint32_t {
   kThisComputerOnly = 0,
   kSharedForAllComputers = 1,
@@ -35,20 +35,28 @@ enum EPrefsBits : std::uint32_t {
   kAllPrefs = 127
 };
 
-/// The display names of levels 0 to 6, which are also their names in the preference files. They can
-/// be read at any time, by what runs before `main` as well.
+/// The names of levels 0 to 6, for display and in the files. They can be read at any time, also by
+/// code that runs before `main`.
 class ShareLevelNames {
  public:
+  /// As containers of the standard library name them.
+  /// @{
   using value_type = vemora_ustring;
   using const_iterator = const vemora_ustring*;
   using iterator = const_iterator;
+  /// @}
 
+  /// The name of a level, which is below `kShareLevelCount`.
   const vemora_ustring& operator[](std::size_t level) const { return begin()[level]; }
+  /// The number of names, `kShareLevelCount`.
   constexpr std::size_t size() const { return kShareLevelCount; }
+  /// The name of level 0.
   const_iterator begin() const;
+  /// Behind the name of level 6.
   const_iterator end() const { return begin() + size(); }
 };
 
+/// The one object of that class: `kShareLevelNames[kWindowsOnly]` is "Windows Only".
 inline constexpr ShareLevelNames kShareLevelNames{};
 
 }  // namespace vemora::prefs

@@ -13,23 +13,26 @@
 
 // As <windows.h> declares it, which this header does not include.
 struct HKEY__;  // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): theirs
+/// A handle to a key of the registry, the type of that name of <windows.h>.
 using HKEY = HKEY__*;
 
 namespace vemora::utils {
 
-/// A value as the registry holds it. The type is one of Windows, such as 4 for REG_DWORD; the bytes
-/// are whatever was stored, which need not fit it.
+/// A value as the registry holds it.
 struct RegistryValue {
+  /// The name of the value, empty for the default value of a key.
   vemora_ustring name;
+  /// The type as Windows numbers it, such as 4 for REG_DWORD.
   std::uint32_t type;
+  /// Whatever was stored. It need not fit the type.
   std::string bytes;
 };
 
 /// Typed values, each addressed by a root key, a path below it, a category (one subkey of the path,
 /// or several joined by backslashes) and a name. An empty name means the category's default value.
 ///
-/// Nothing throws for a failure of the registry: reads return the default that was passed, tests
-/// and writes return false. Names with a zero inside fail.
+/// Nothing throws if the registry fails: reads return the default, tests and writes return false. A
+/// name with a zero inside counts as such a failure.
 ///
 /// | kind   | stored as  | contents                                              |
 /// |--------|------------|-------------------------------------------------------|
@@ -44,15 +47,19 @@ struct RegistryValue {
 ///     Registry::SaveInt(Registry::kCurrentUser, LR"(Software\Vendor\App)", L"Window", L"x", 10);
 class COMMONPREFERENCES_API Registry {
  public:
-  /// HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE.
+  /// HKEY_CURRENT_USER.
   static const HKEY kCurrentUser;
+  /// HKEY_LOCAL_MACHINE.
   static const HKEY kLocalMachine;
 
+  /// Whether there is a key of that path below the root.
   static bool PathExists(HKEY root, const vemora_ustring& path);
 
-  /// With an empty path the category lies directly below the root; with an empty category the path
-  /// is meant. The same holds for `ValueExists` and `DeleteValue`.
+  /// Whether there is such a category. An empty path means that the category lies directly below
+  /// the root. An empty category means the path itself. The same holds for `ValueExists` and
+  /// `DeleteValue`.
   static bool KeyExists(HKEY root, const vemora_ustring& path, const vemora_ustring& category);
+  /// Whether the category has a value of that name, of any type.
   static bool ValueExists(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name);
 
@@ -61,23 +68,24 @@ class COMMONPREFERENCES_API Registry {
   ///         category, which would be the path itself and is left alone
   static bool DeleteKey(HKEY root, const vemora_ustring& path, const vemora_ustring& category);
 
+  /// Deletes a value.
   /// @return whether there was such a value, even if it could not be deleted
   static bool DeleteValue(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                           const vemora_ustring& name);
 
-  /// Below an existing path a read creates the category if it is missing; it never creates a path.
+  /// Reads a value. If the path exists, a read creates a missing category. It never creates a path.
   /// @{
 
-  /// The first four bytes, those missing being zero; the default for a value that is longer.
+  /// The first four bytes; missing bytes count as zero. The default if the value is longer.
   static int LoadInt(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                      const vemora_ustring& name, int defaultValue);
   static bool LoadBool(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                        const vemora_ustring& name, bool defaultValue);
-  /// The number at the start of the text, read with a decimal point in every locale; the default
-  /// when there is none, when a double cannot hold it, and for the "1.#INF00" of older programs.
+  /// The number at the start of the text, read with a decimal point in every locale. The default if
+  /// there is none, if a double cannot hold it, and for the "1.#INF00" of older programs.
   static double LoadDouble(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                            const vemora_ustring& name, double defaultValue);
-  /// The text up to its first zero. Named so because <windows.h> renames `LoadString`.
+  /// The text up to its first zero. The name ends with W because <windows.h> renames `LoadString`.
   static vemora_ustring LoadStringW(HKEY root, const vemora_ustring& path,
                                     const vemora_ustring& category, const vemora_ustring& name,
                                     const vemora_ustring& defaultValue);
@@ -86,13 +94,13 @@ class COMMONPREFERENCES_API Registry {
                                 const std::string& defaultValue);
   /// @}
 
-  /// Writes create the path and the category if need be.
+  /// Writes a value, and creates the path and the category if they are missing.
   /// @{
   static bool SaveInt(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                       const vemora_ustring& name, int value);
   static bool SaveBool(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                        const vemora_ustring& name, bool value);
-  /// Keeps six decimals; numbers that are not finite are stored as "inf" and "nan".
+  /// Keeps six decimals. Numbers that are not finite are stored as "inf" and "nan".
   static bool SaveDouble(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
                          const vemora_ustring& name, double value);
   static bool SaveString(HKEY root, const vemora_ustring& path, const vemora_ustring& category,
@@ -101,9 +109,10 @@ class COMMONPREFERENCES_API Registry {
                          const vemora_ustring& name, const std::string& value);
   /// @}
 
-  /// The names of the subkeys of a category, or its values, in the order of the registry. Nothing
-  /// when there is no such key, or when it cannot be read to its end. As in `KeyExists` path or
-  /// category may be empty; nothing is created. What other programs change meanwhile may be missed.
+  /// The names of the subkeys of a category, or its values, in the order of the registry. The
+  /// result is empty if there is no such key, or if it cannot be read to its end. Path or category
+  /// may be empty, as for `KeyExists`. Nothing is created. Changes of other programs during the
+  /// call may be missed.
   /// @{
   static std::optional<std::vector<vemora_ustring>> EnumerateKeys(HKEY root,
                                                                   const vemora_ustring& path,
@@ -113,7 +122,7 @@ class COMMONPREFERENCES_API Registry {
                                                                    const vemora_ustring& category);
   /// @}
 
-  /// Waits until the system has written a key to disk.
+  /// Waits until the system has written a key to the disk.
   static void Synchronize(HKEY key);
 };
 

@@ -1,14 +1,14 @@
 /// @file
 /// Makes an instance of a class on first use and deletes it when the process ends in an orderly
-/// way. Unguarded: used from one thread.
+/// way. It has no lock, so use it from one thread.
 #pragma once
 
 #include <cstdlib>
 
 namespace vemora::utils {
 
-/// Base of a class T of which each library or program that instantiates this template has at most
-/// one instance, as long as nobody but `Get` makes any.
+/// Base of a class T that has at most one instance in each library or program that instantiates
+/// this template, as long as only `Get` makes instances.
 ///
 /// T derives from `Singleton<T>`, names it a friend and keeps its own constructor private:
 ///
@@ -23,10 +23,10 @@ class Singleton {
   Singleton(const Singleton&) = delete;
   Singleton& operator=(const Singleton&) = delete;
 
-  /// The instance, made when there is none. `Destroy` deletes it, or an exit hook does when the
-  /// process ends by `exit` or a return from `main`, or when the library that made it is unloaded,
-  /// which happens at `_exit` and `abort`, too. A process that is killed or crashes, or a system
-  /// that takes no more hooks, leaves it.
+  /// The instance. It is made if there is none. `Destroy` deletes it. Otherwise an exit hook
+  /// deletes it when the process ends by `exit` or a return from `main`, or when the library that
+  /// made it is unloaded, which also happens at `_exit` and `abort`. It is not deleted if the
+  /// process is killed or crashes, or if the system takes no more hooks.
   /// @throws std::bad_alloc when it cannot be made; the next call tries again
   static T& Get();
 
