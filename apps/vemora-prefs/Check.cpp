@@ -1,10 +1,12 @@
 // vemora-prefs check
 
 #include "Console.h"
+#include "FileCheck.h"
 #include "Json.h"
-#include "PreferenceFile.h"
+
 #include "StoreOptions.h"
 #include "Verbs.h"
+#include "prefs/SaveMode.h"
 
 namespace vemora::tool {
 namespace {
@@ -18,12 +20,12 @@ struct FileFinding {
   Finding finding;
 };
 
-void CheckFile(const std::string& file, FileKind kind, std::vector<FileFinding>& findings) {
+void CollectFrom(const std::string& file, FileKind kind, std::vector<FileFinding>& findings) {
   if (file.empty()) {
     return;
   }
-  for (const Finding& finding : CheckText(ReadFile(file), kind)) {
-    findings.push_back({file, finding});
+  for (Finding& finding : CheckFile(file, kind)) {
+    findings.push_back({file, std::move(finding)});
   }
 }
 
@@ -31,14 +33,20 @@ std::string ToJson(const std::vector<FileFinding>& findings) {
   return MakeJson([&findings](JsonWriter& writer) {
     writer.StartArray();
     for (const auto& [file, finding] : findings) {
+      const RuleInfo& rule = InfoOf(finding.rule);
       writer.StartObject();
       WriteMember(writer, "file", file);
       writer.Key("line");
-      writer.Uint64(finding.line);
+      writer.Uint64(finding.position.line);
       writer.Key("column");
-      writer.Uint64(finding.column);
+      writer.Uint64(finding.position.column);
+      WriteMember(writer, "rule", rule.name);
+      WriteMember(writer, "severity", rule.severity);
       writer.Key("malformed");
-      writer.Bool(finding.malformed);
+      writer.Bool(finding.IsMalformed());
+      WriteMember(writer, "level", finding.level);
+      WriteMember(writer, "category", finding.category);
+      WriteMember(writer, "key", finding.key);
       WriteMember(writer, "text", finding.text);
       writer.EndObject();
     }
@@ -46,18 +54,26 @@ std::string ToJson(const std::vector<FileFinding>& findings) {
   });
 }
 
+std::string PaintedLine(const std::string& file, const Finding& finding) {
+  return Painted(finding.IsMalformed() ? Colour::kRed : Colour::kYellow, ToText(file, finding)) +
+         '\n';
+}
+
 ExitCode Check(const CheckOptions& options) {
-  if (options.store.private_file.empty() && options.store.shared_file.empty()) {
+  const StoreOptions store = Resolved(options.store);
+  if (store.private_file.empty() && store.shared_file.empty()) {
     throw Failure(kUsage, "no file was named; give --private FILE, --shared FILE or both");
   }
+  RequireTwoFiles(store.private_file, store.shared_file);
+  SetSaveMode(prefs::ESaveMode::kProtected);  // waits while a host replaces a file
   std::vector<FileFinding> findings;
-  CheckFile(options.store.private_file, FileKind::kPrivate, findings);
-  CheckFile(options.store.shared_file, FileKind::kShared, findings);
+  CollectFrom(store.private_file, FileKind::kPrivate, findings);
+  CollectFrom(store.shared_file, FileKind::kShared, findings);
   ExitCode result = kOk;
   std::string lines;
   for (const auto& [file, finding] : findings) {
-    lines += file + ':' + ToText(finding) + '\n';
-    result = finding.malformed || result == kUnusable ? kUnusable : kDifferent;
+    lines += options.json ? "" : PaintedLine(file, finding);
+    result = finding.IsMalformed() || result == kUnusable ? kUnusable : kDifferent;
   }
   Print(options.json ? ToJson(findings) : lines);
   return result;
@@ -71,6 +87,7 @@ void AddCheck(CLI::App& program, ExitCode& result) {
       "Tells what a load would skip, put elsewhere or mix up, and what should not travel",
       "--private private.json --shared shared.json", Check);
   AddFileOptions(*options.verb, options.store);
+  AddProfileOption(*options.verb, options.store);
   AddJsonOption(options);
 }
 

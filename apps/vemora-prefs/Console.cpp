@@ -3,8 +3,10 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "Failure.h"
+#include "Table.h"
 #include "utils/vemora_ustring.h"
 
 namespace vemora::tool {
@@ -14,6 +16,8 @@ using utils::vemora_ustring;
 
 constexpr std::size_t kLongestPiece = 8192;  // a console takes no text of any length at once
 constexpr std::size_t kStepsBetweenSigns = 500;
+
+bool is_quiet = false;
 
 bool IsConsole(HANDLE handle) {
   DWORD mode = 0;
@@ -41,42 +45,54 @@ bool Write(HANDLE handle, std::string_view utf8) {
   return true;
 }
 
-/// Characters, each of which takes one column for what is aligned here.
-std::size_t Width(std::string_view utf8) {
-  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-  }));
-}
-
 }  // namespace
 
 void Print(std::string_view utf8) {
-  if (!Write(GetStdHandle(STD_OUTPUT_HANDLE), utf8)) {
-    throw Failure(kUnusable, "standard output takes no more; look at what it is led to");
+  if (is_quiet || Write(GetStdHandle(STD_OUTPUT_HANDLE), utf8)) {
+    return;
   }
+  const DWORD error = GetLastError();
+  if (error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA) {
+    throw ClosedPipe();
+  }
+  throw Failure(kUnusable, "standard output takes no more; look at what it is led to");
 }
 
 void PrintError(std::string_view utf8) { Write(GetStdHandle(STD_ERROR_HANDLE), utf8); }
 
-std::string FormatTable(const std::vector<std::vector<std::string>>& rows) {
-  std::vector<std::size_t> widths;
-  for (const auto& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t column = 0; column < row.size(); ++column) {
-      widths[column] = std::max(widths[column], Width(row[column]));
-    }
+void SetQuiet() { is_quiet = true; }
+
+std::size_t TerminalWidth() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == 0) {
+    return 0;
   }
-  std::string text;
-  for (const auto& row : rows) {
-    for (std::size_t column = 0; column < row.size(); ++column) {
-      text += row[column];
-      if (column + 1 < row.size()) {
-        text.append(widths[column] - Width(row[column]) + 2, ' ');
-      }
-    }
-    text += '\n';
-  }
-  return text;
+  return static_cast<std::size_t>(std::max(info.srWindow.Right - info.srWindow.Left, 20));
+}
+
+bool CanAsk() {
+  return IsConsole(GetStdHandle(STD_INPUT_HANDLE)) && IsConsole(GetStdHandle(STD_ERROR_HANDLE));
+}
+
+bool Ask(const std::string& question) {
+  PrintError(question + " [y/N] ");
+  wchar_t answer[16] = {};
+  DWORD count = 0;
+  ReadConsoleW(GetStdHandle(STD_INPUT_HANDLE), answer, 15, &count, nullptr);
+  return answer[0] == L'y' || answer[0] == L'Y';
+}
+
+std::string Painted(Colour colour, const std::string& text) {
+  const HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+  DWORD mode = 0;
+  const bool is_painted = std::getenv("NO_COLOR") == nullptr && GetConsoleMode(out, &mode) != 0 &&
+                          SetConsoleMode(out, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+  return is_painted ? "\033[" + std::to_string(static_cast<int>(colour)) + 'm' + text + "\033[0m"
+                    : text;
+}
+
+void PrintTable(const std::vector<std::vector<std::string>>& rows) {
+  Print(FormatTable(rows, TerminalWidth()));
 }
 
 Progress::Progress(std::string_view work, std::size_t total)

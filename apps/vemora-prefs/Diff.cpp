@@ -53,10 +53,13 @@ std::vector<Difference> Compare(const std::vector<Entry>& first, const std::vect
 }
 
 std::string ToLine(char sign, const std::optional<Entry>& entry) {
-  return entry.has_value() ? std::string(1, sign) + ' ' + LevelName(entry->level) + " / " +
-                                 NameOf(entry->category, entry->key) + ": " +
-                                 TypeName(entry->value) + ' ' + ToQuotedText(entry->value) + '\n'
-                           : "";
+  if (!entry.has_value()) {
+    return "";
+  }
+  const std::string line = std::string(1, sign) + ' ' + LevelName(entry->level) + " / " +
+                           NameOf(entry->category, entry->key) + ": " + TypeName(entry->value) +
+                           ' ' + ToQuotedText(entry->value);
+  return Painted(sign == '-' ? Colour::kRed : Colour::kGreen, line) + '\n';
 }
 
 void WriteSide(JsonWriter& writer, const char* name, const std::optional<Entry>& entry) {

@@ -31,10 +31,10 @@ ExitCode Dump(const DumpOptions& options) {
   }
   std::vector<std::vector<std::string>> rows = {{"LEVEL", "CATEGORY", "KEY", "TYPE", "VALUE"}};
   for (const Entry& entry : entries) {
-    rows.push_back({LevelName(entry.level), ToQuotedText(entry.category), ToQuotedText(entry.key),
+    rows.push_back({LevelName(entry.level), ToQuotedName(entry.category), ToQuotedName(entry.key),
                     TypeName(entry.value), ToQuotedText(entry.value)});
   }
-  Print(FormatTable(rows));
+  PrintTable(rows);
   return kOk;
 }
 

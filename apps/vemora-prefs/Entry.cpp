@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <system_error>
 
+#include "Escape.h"
 #include "Failure.h"
 
 namespace vemora::tool {
@@ -119,7 +120,7 @@ Value ParseValue(std::string_view type, std::string_view text) {
 }
 
 std::string NameOf(const vemora_ustring& category, const vemora_ustring& key) {
-  return category.ToUtf8() + " / " + key.ToUtf8();
+  return Escaped(category.ToUtf8()) + " / " + Escaped(key.ToUtf8());
 }
 
 }  // namespace vemora::tool

@@ -35,8 +35,9 @@ std::vector<std::string> OtherLevels(const Store& store, const PairOptions& opti
   return levels;
 }
 
-ExitCode Explain(const PairOptions& options) {
-  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kRead);
+ExitCode Explain(const PairOptions& typed) {
+  const std::unique_ptr<Store> store = OpenStore(typed.store, Access::kRead);
+  const PairOptions options = Pasted(*store, typed);
   const EShareLevel level = store->LevelOf(options.level, options.category, options.key);
   const std::string place = store->Place(level);
   const std::string rule = RuleFor(*store, options);
@@ -46,7 +47,7 @@ ExitCode Explain(const PairOptions& options) {
   if (options.json) {
     Print(MakeJson([&](JsonWriter& writer) {
       writer.StartObject();
-      WriteMember(writer, "back end", store->BackEnd());
+      WriteMember(writer, "back_end", store->BackEnd());
       WriteMember(writer, "place", place);
       WriteMember(writer, "level", LevelName(level));
       WriteMember(writer, "rule", rule);
@@ -55,7 +56,7 @@ ExitCode Explain(const PairOptions& options) {
       if (entry.has_value()) {
         WriteTypeAndValue(writer, entry->value);
       }
-      writer.Key("other levels");
+      writer.Key("other_levels");
       writer.StartArray();
       for (const std::string& other : others) {
         WriteText(writer, other);
@@ -75,7 +76,7 @@ ExitCode Explain(const PairOptions& options) {
   for (const std::string& other : others) {
     rows.push_back({"also at", other});
   }
-  Print(FormatTable(rows));
+  PrintTable(rows);
   return result;
 }
 

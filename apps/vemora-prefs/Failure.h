@@ -17,12 +17,16 @@ enum ExitCode {
 /// Ends the program with one line on standard error, which says what to do.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+  /// @param details whole lines that are shown below, such as the place in a file
+  Failure(ExitCode code, const std::string& text, std::string details = "")
+      : std::runtime_error(text), code_(code), details_(std::move(details)) {}
 
   ExitCode code() const { return code_; }
+  const std::string& details() const { return details_; }
 
  private:
   ExitCode code_;
+  std::string details_;
 };
 
 }  // namespace vemora::tool

@@ -1,41 +1,34 @@
 #include "FileStore.h"
 
+#include <windows.h>
+
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <filesystem>
 
+#include "Backup.h"
 #include "Failure.h"
+#include "FileCheck.h"
 #include "Levels.h"
-#include "PreferenceFile.h"
+#include "SaveError.h"
 #include "prefs/PreferencesDefaults.h"
+#include "prefs/SaveMode.h"
 #include "utils/Variant.h"
 
 namespace vemora::tool {
 namespace {
 
+using prefs::ELoadResult;
+using prefs::ESaveMode;
 using prefs::JsonCommon;
 using prefs::ShareLevelOverride;
 using utils::Variant;
 
-/// A malformed file counts as empty, and what a file has beside its levels is not loaded: saved,
-/// the store would overwrite both.
-void RequireUsable(const std::string& file, FileKind kind, Access access) {
-  std::error_code ignored;
-  const bool may_be_missing =
-      access == Access::kMake && !std::filesystem::exists(std::filesystem::u8path(file), ignored);
-  if (file.empty() || may_be_missing) {
-    return;
-  }
-  const std::string text = ReadFile(file);
-  if (text.empty()) {
-    return;
-  }
-  for (const Finding& finding : CheckText(text, kind)) {
-    if (finding.malformed || (finding.foreign && access != Access::kRead)) {
-      throw Failure(kUnusable, file + ':' + ToText(finding) +
-                                   "; it would be overwritten: mend the file or name another");
-    }
-  }
+constexpr std::chrono::seconds kLockWait{10};
+
+FileKind KindOf(EShareLevel level) {
+  return level == prefs::kThisComputerOnly ? FileKind::kPrivate : FileKind::kShared;
 }
 
 Value FromVariant(const Variant& value) {
@@ -71,13 +64,62 @@ bool AreEqual(const Entry& left, const Entry& right) {
          left.value == right.value;
 }
 
+bool IsReadOnly(const std::string& path) {
+  const DWORD attributes = GetFileAttributesW(std::filesystem::u8path(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+/// The place of the first thing that is wrong with a malformed file, and that line of it.
+[[noreturn]] void RefuseMalformed(const std::string& path, FileKind kind) {
+  const std::string text = ReadFile(path);
+  for (const Finding& finding : CheckFile(path, kind)) {
+    if (finding.IsMalformed()) {
+      throw Failure(kUnusable,
+                    ToText(path, finding) +
+                        " A host takes this file for empty and overwrites it: mend it, or name "
+                        "another",
+                    Lines(text).Excerpt(finding.position));
+    }
+  }
+  throw Failure(kUnusable, path + " changed while it was read; try again");
+}
+
 }  // namespace
 
-FileStore::FileStore(const std::string& privateFile, const std::string& sharedFile, Access access)
-    : private_file_(privateFile), shared_file_(sharedFile) {
-  RequireUsable(private_file_, FileKind::kPrivate, access);
-  RequireUsable(shared_file_, FileKind::kShared, access);
+FileStore::FileStore(const std::string& privateFile, const std::string& sharedFile, Access access,
+                     const WriteRules& rules)
+    : private_file_(privateFile), shared_file_(sharedFile), rules_(rules) {
+  RequireTwoFiles(private_file_, shared_file_);
+  SetSaveMode(rules.in_place ? ESaveMode::kRewriteInPlace : ESaveMode::kProtected, kLockWait);
   Load(store_, private_file_, shared_file_);
+  const prefs::LoadResult loaded = prefs::GetLastLoadResult();
+  RequireUsable(loaded.private_file, FileKind::kPrivate, access);
+  RequireUsable(loaded.shared_file, FileKind::kShared, access);
+}
+
+void FileStore::RequireUsable(const prefs::FileLoadResult& loaded, FileKind kind, Access access) {
+  const std::string& path = PathOf(kind);
+  switch (loaded.result) {
+    case ELoadResult::kMissing:
+      if (access != Access::kMake) {
+        throw Failure(kUnusable, "there is no file " + path + "; check its name");
+      }
+      changed_.insert(kind);  // a save makes it, even if no preference belongs into it
+      break;
+    case ELoadResult::kUnreadable:
+      throw Failure(kUnusable, "cannot read " + path + ": " + DescribeError(loaded.error));
+    case ELoadResult::kMalformed:
+      RequireKind(path, ReadFile(path), kind);
+      if (!rules_.force || access == Access::kRead) {
+        RefuseMalformed(path, kind);
+      }
+      break;
+    case ELoadResult::kLoaded:
+      RequireKind(path, ReadFile(path), kind);
+      break;
+    default:
+      break;
+  }
 }
 
 std::vector<Entry> FileStore::Read() const { return EntriesOf(store_); }
@@ -106,7 +148,7 @@ std::optional<std::string> FileStore::Refuses(const Value& value) const {
 }
 
 void FileStore::Write(const Entry& entry) {
-  LevelOf(entry.level, entry.category, entry.key);
+  changed_.insert(KindOf(LevelOf(entry.level, entry.category, entry.key)));
   const ShareLevelOverride guard(entry.level);
   if (const int* const integer = std::get_if<int>(&entry.value)) {
     store_.WriteInt(entry.category, entry.key, *integer);
@@ -121,27 +163,114 @@ void FileStore::Write(const Entry& entry) {
 
 void FileStore::Unset(EShareLevel level, const vemora_ustring& category,
                       const vemora_ustring& key) {
+  changed_.insert(KindOf(LevelOf(level, category, key)));
   const ShareLevelOverride guard(level);
   store_.DeletePreference(category, key);
 }
 
-bool FileStore::Drop(const vemora_ustring& category) {
-  const bool exists = store_.CategoryExists(category);
-  store_.DeleteCategory(category);
-  return exists;
+bool FileStore::HasCategory(const vemora_ustring& category) {
+  return store_.CategoryExists(category);
 }
 
-// The library does not report failed writes, so what is on disk is looked at.
+void FileStore::Drop(const vemora_ustring& category) {
+  for (std::size_t level = 0; level < prefs::kShareLevelCount; ++level) {
+    const auto names = store_.GetCategories(static_cast<EShareLevel>(level));
+    if (std::any_of(names.begin(), names.end(), [&category](const vemora_ustring& name) {
+          return name.CompareNoCase(category) == 0;
+        })) {
+      changed_.insert(KindOf(static_cast<EShareLevel>(level)));
+    }
+  }
+  store_.DeleteCategory(category);
+}
+
+/// Refuses to save a file when that loses what a load skipped, or is not wanted.
+void FileStore::RequireHarmless(FileKind kind) const {
+  const std::string& path = PathOf(kind);
+  if (rules_.force || !FileExists(path)) {
+    return;
+  }
+  if (IsReadOnly(path)) {
+    throw Failure(kUnusable, path + " is read-only, so nothing was changed; --force changes it");
+  }
+  constexpr std::size_t kShown = 10;
+  std::size_t losses = 0;
+  std::string lines;
+  for (const Finding& finding : CheckFile(path, kind)) {
+    if (InfoOf(finding.rule).loses && ++losses <= kShown) {
+      lines += "  " + ToText(path, finding) + '\n';
+    }
+  }
+  if (losses != 0) {
+    lines += losses > kShown ? "  and " + std::to_string(losses - kShown) + " more\n" : "";
+    throw Failure(kUnusable,
+                  "saving " + path +
+                      " would lose what a load skips, so nothing was changed; mend the file, or "
+                      "--force it and keep a copy",
+                  lines);
+  }
+}
+
 void FileStore::Save() {
-  store_.SavePreferences();
-  JsonCommon saved;
+  if (changed_.empty()) {
+    return;
+  }
+  for (const FileKind kind : changed_) {
+    RequireHarmless(kind);
+  }
+  if (rules_.force || rules_.backup) {
+    for (const FileKind kind : changed_) {
+      KeepBackup(PathOf(kind));
+    }
+  }
+  if (rules_.in_place) {
+    SaveInPlace();
+  } else {
+    SaveProtected();
+  }
+}
+
+/// Hosts, virus scanners and others hold a file for moments.
+void FileStore::SaveProtected() {
+  constexpr int kTries = 5;
+  constexpr DWORD kPause = 200;  // milliseconds
+  for (int tries = 1;; ++tries) {
+    SaveChanged();
+    const prefs::SaveResult saved = prefs::GetLastSaveResult();
+    if (saved.result == prefs::ESaveResult::kSaved) {
+      return;
+    }
+    const bool may_pass = saved.error == ERROR_ACCESS_DENIED ||
+                          saved.error == ERROR_SHARING_VIOLATION ||
+                          saved.error == ERROR_FILE_INVALID;
+    if (!may_pass || tries == kTries) {
+      throw Failure(kUnusable, "could not save to " + Places() +
+                                   ", so nothing was changed: " + DescribeError(saved.error));
+    }
+    Sleep(kPause);
+  }
+}
+
+/// Saves in place do not tell how they went, so what is on disk is looked at.
+void FileStore::SaveInPlace() {
+  SaveChanged();
+  OwnFiles saved;
   Load(saved, private_file_, shared_file_);
   const std::vector<Entry> wanted = EntriesOf(store_);
   const std::vector<Entry> found = EntriesOf(saved);
   if (!std::equal(wanted.begin(), wanted.end(), found.begin(), found.end(), AreEqual)) {
-    throw Failure(kUnusable, "could not save to " + private_file_ +
-                                 (private_file_.empty() || shared_file_.empty() ? "" : " and ") +
-                                 shared_file_ + "; check folder, rights and free space");
+    throw Failure(kUnusable,
+                  "could not save to " + Places() + "; check folder, rights and free space");
+  }
+}
+
+void FileStore::SaveChanged() {
+  if (changed_.size() == 2) {
+    store_.SavePreferences();
+  } else if (*changed_.begin() == FileKind::kPrivate) {
+    store_.SavePrivatePreferences();
+  } else {
+    store_.SaveSharedPreferences();
   }
 }
 
@@ -157,8 +286,15 @@ EShareLevel FileStore::LevelOf(EShareLevel level, const vemora_ustring& category
   return found;
 }
 
-std::string FileStore::Place(EShareLevel level) const {
-  return level == prefs::kThisComputerOnly ? private_file_ : shared_file_;
+std::string FileStore::Place(EShareLevel level) const { return PathOf(KindOf(level)); }
+
+const std::string& FileStore::PathOf(FileKind kind) const {
+  return kind == FileKind::kPrivate ? private_file_ : shared_file_;
+}
+
+/// The files that were changed, for messages.
+std::string FileStore::Places() const {
+  return changed_.size() == 2 ? private_file_ + " and " + shared_file_ : PathOf(*changed_.begin());
 }
 
 }  // namespace vemora::tool

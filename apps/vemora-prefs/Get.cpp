@@ -1,6 +1,7 @@
 // vemora-prefs get
 
 #include "Console.h"
+#include "Escape.h"
 #include "Json.h"
 #include "PairOptions.h"
 #include "Verbs.h"
@@ -8,21 +9,29 @@
 namespace vemora::tool {
 namespace {
 
-ExitCode Get(const PairOptions& options) {
+struct GetOptions : PairOptions {
+  bool raw = false;
+};
+
+ExitCode Get(const GetOptions& options) {
   const Entry entry = Require(*OpenStore(options.store, Access::kRead), options);
-  Print(options.json ? MakeJson([&entry](JsonWriter& writer) { WriteEntry(writer, entry); })
-                     : ToText(entry.value) + '\n');
+  const std::string text = ToText(entry.value);
+  Print(options.json  ? MakeJson([&entry](JsonWriter& writer) { WriteEntry(writer, entry); })
+        : options.raw ? text
+                      : Escaped(text) + '\n');
   return kOk;
 }
 
 }  // namespace
 
 void AddGet(CLI::App& program, ExitCode& result) {
-  PairOptions& options = AddVerb<PairOptions>(
+  GetOptions& options = AddVerb<GetOptions>(
       program, result, "get", "Prints the value of a preference, as a host would read it",
       "--private private.json \"My Plugin\" Runs", Get);
   AddPairOptions(options);
   AddJsonOption(options);
+  options.verb->add_flag("--raw", options.raw,
+                         "Write a text as it is: nothing is escaped, and no line break follows");
 }
 
 }  // namespace vemora::tool

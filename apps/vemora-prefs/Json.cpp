@@ -2,11 +2,11 @@
 
 #include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
-#include <rapidjson/writer.h>
 
+#include "Escape.h"
 #include "Failure.h"
 #include "Levels.h"
-#include "PreferenceFile.h"
+#include "TextFile.h"
 
 namespace vemora::tool {
 namespace {
@@ -85,10 +85,12 @@ std::vector<Entry> EntriesFromJson(const std::string& text, const std::string& n
   document.Parse<rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag>(
       text.data(), text.size());
   if (document.HasParseError()) {
-    throw Failure(kUnusable, name + ':' +
-                                 ToText(FindingAt(text, document.GetErrorOffset(),
-                                                  GetParseError_En(document.GetParseError()))) +
-                                 "; give what 'dump' wrote");
+    const Lines lines(text);
+    const Position at = lines.At(document.GetErrorOffset());
+    throw Failure(kUnusable,
+                  name + ':' + std::to_string(at.line) + ':' + std::to_string(at.column) + ": " +
+                      GetParseError_En(document.GetParseError()) + " Give what 'dump' wrote",
+                  lines.Excerpt(at));
   }
   if (!document.IsArray()) {
     throw Failure(kUnusable, name + " is no list of preferences; give what 'dump' wrote");
@@ -105,14 +107,34 @@ std::vector<Entry> EntriesFromJson(const std::string& text, const std::string& n
   return entries;
 }
 
+std::string ToQuotedName(const vemora_ustring& name) {
+  const std::string utf8 = name.ToUtf8();
+  const bool is_plain = Escaped(utf8) == utf8 && utf8.find('"') == std::string::npos;
+  return is_plain ? '"' + utf8 + '"' : Quoted(utf8);
+}
+
+vemora_ustring Unescaped(const vemora_ustring& name) {
+  const std::string utf8 = name.ToUtf8();
+  if (utf8.find('\\') == std::string::npos) {
+    return name;
+  }
+  rapidjson::Document json;
+  json.Parse(('"' + utf8 + '"').c_str());
+  return json.IsString() ? vemora_ustring::FromUtf8({json.GetString(), json.GetStringLength()})
+                         : name;
+}
+
+vemora_ustring Pasted(Store& store, const vemora_ustring& category) {
+  const vemora_ustring unescaped = Unescaped(category);
+  return !store.HasCategory(category) && store.HasCategory(unescaped) ? unescaped : category;
+}
+
 std::string ToQuotedText(const Value& value) {
   const std::string text = ToText(value);
   if (!std::holds_alternative<vemora_ustring>(value)) {
     return text;
   }
-  rapidjson::StringBuffer buffer;
-  rapidjson::Writer<rapidjson::StringBuffer>(buffer).String(text.data(), Size(text));
-  return {buffer.GetString(), buffer.GetSize()};
+  return Quoted(text);
 }
 
 }  // namespace vemora::tool

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Entry.h"
+#include "Store.h"
 
 namespace vemora::tool {
 
@@ -39,6 +40,15 @@ std::string EntriesToJson(const std::vector<Entry>& entries);
 /// @param name what the text is called in messages
 /// @throws Failure (kUnusable) when it is not what `EntriesToJson` makes
 std::vector<Entry> EntriesFromJson(const std::string& text, const std::string& name);
+
+/// A name in quotes; backslashes are doubled only where something is escaped.
+std::string ToQuotedName(const vemora_ustring& name);
+
+/// What the escapes of `ToQuotedName` stand for; the name itself when they are none of JSON.
+vemora_ustring Unescaped(const vemora_ustring& name);
+
+/// The category as the store has it, as of names that were printed and are typed again.
+vemora_ustring Pasted(Store& store, const vemora_ustring& category);
 
 /// A text in quotes, so that it takes one line and shows its blanks; other values as they are.
 std::string ToQuotedText(const Value& value);

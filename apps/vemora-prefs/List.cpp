@@ -1,4 +1,4 @@
-// vemora-prefs list
+// vemora-prefs list and find
 
 #include <algorithm>
 #include <map>
@@ -7,6 +7,7 @@
 #include "Console.h"
 #include "Json.h"
 #include "Levels.h"
+#include "Match.h"
 #include "StoreOptions.h"
 #include "Verbs.h"
 
@@ -27,11 +28,11 @@ ExitCode ListCategories(const std::vector<Entry>& entries, bool json) {
   std::vector<std::vector<std::string>> rows = {{"LEVEL", "CATEGORY", "PREFERENCES"}};
   for (const auto& [level, categories] : counts) {
     for (const auto& [category, count] : categories) {
-      rows.push_back({LevelName(level), ToQuotedText(category), std::to_string(count)});
+      rows.push_back({LevelName(level), ToQuotedName(category), std::to_string(count)});
     }
   }
   if (!json) {
-    Print(FormatTable(rows));
+    PrintTable(rows);
     return kOk;
   }
   Print(MakeJson([&counts](JsonWriter& writer) {
@@ -51,47 +52,97 @@ ExitCode ListCategories(const std::vector<Entry>& entries, bool json) {
   return kOk;
 }
 
-ExitCode ListCategory(std::vector<Entry> entries, const vemora_ustring& category, bool json) {
-  entries.erase(std::remove_if(entries.begin(), entries.end(),
-                               [&category](const Entry& entry) {
-                                 return entry.category.CompareNoCase(category) != 0;
-                               }),
-                entries.end());
-  if (entries.empty()) {
-    throw Failure(kDifferent, "there is no category '" + category.ToUtf8() +
-                                  "'; 'list' without a category tells which there are");
-  }
+/// Lists preferences, with their category where they are of several.
+void PrintEntries(const std::vector<Entry>& entries, bool json, bool oneCategory) {
   if (json) {
     Print(EntriesToJson(entries));
-    return kOk;
+    return;
   }
-  std::vector<std::vector<std::string>> rows = {{"LEVEL", "KEY", "TYPE", "VALUE"}};
+  std::vector<std::vector<std::string>> rows = {{"LEVEL", "CATEGORY", "KEY", "TYPE", "VALUE"}};
   for (const Entry& entry : entries) {
-    rows.push_back({LevelName(entry.level), ToQuotedText(entry.key), TypeName(entry.value),
-                    ToQuotedText(entry.value)});
+    rows.push_back({LevelName(entry.level), ToQuotedName(entry.category), ToQuotedName(entry.key),
+                    TypeName(entry.value), ToQuotedText(entry.value)});
   }
-  Print(FormatTable(rows));
+  if (oneCategory) {
+    for (auto& row : rows) {
+      row.erase(row.begin() + 1);
+    }
+  }
+  PrintTable(rows);
+}
+
+template <typename Condition>
+std::vector<Entry> Where(const std::vector<Entry>& entries, const Condition& condition) {
+  std::vector<Entry> found;
+  std::copy_if(entries.begin(), entries.end(), std::back_inserter(found), condition);
+  return found;
+}
+
+/// A category of that name comes first, be it with a * in its name.
+ExitCode ListMatching(Store& store, const vemora_ustring& typed, bool json) {
+  const vemora_ustring pattern = Pasted(store, typed);
+  const bool is_name = store.HasCategory(pattern);
+  const std::vector<Entry> found = Where(store.Read(), [&](const Entry& entry) {
+    return is_name ? entry.category.CompareNoCase(pattern) == 0 : Matches(entry.category, pattern);
+  });
+  if (found.empty() && !is_name) {
+    throw Failure(kDifferent, "there is no category " + ToQuotedName(pattern) +
+                                  "; 'list' without a name tells which there are");
+  }
+  PrintEntries(found, json, is_name);
   return kOk;
 }
 
 ExitCode List(const ListOptions& options) {
-  const std::vector<Entry> entries = OpenStore(options.store, Access::kRead)->Read();
-  return options.category.has_value() ? ListCategory(entries, *options.category, options.json)
-                                      : ListCategories(entries, options.json);
+  const std::unique_ptr<Store> store = OpenStore(options.store, Access::kRead);
+  return options.category.has_value() ? ListMatching(*store, *options.category, options.json)
+                                      : ListCategories(store->Read(), options.json);
+}
+
+struct FindOptions : VerbOptions {
+  StoreOptions store;
+  vemora_ustring text;
+};
+
+ExitCode Find(const FindOptions& options) {
+  const auto found =
+      Where(OpenStore(options.store, Access::kRead)->Read(), [&options](const Entry& entry) {
+        return Contains(entry.category, options.text) || Contains(entry.key, options.text) ||
+               Contains(vemora_ustring::FromUtf8(ToText(entry.value)), options.text);
+      });
+  if (!found.empty() || options.json) {
+    PrintEntries(found, options.json, false);
+  }
+  return found.empty() ? kDifferent : kOk;
 }
 
 }  // namespace
 
 void AddList(CLI::App& program, ExitCode& result) {
-  ListOptions& options = AddVerb<ListOptions>(program, result, "list",
-                                              "Lists the categories, or the preferences of one",
-                                              "--private private.json \"My Plugin\"", List);
+  ListOptions& options =
+      AddVerb<ListOptions>(program, result, "list",
+                           "Lists the categories, or the preferences of those whose name matches",
+                           "--private private.json \"My Plugin\"", List);
   AddStoreOptions(*options.verb, options.store);
   AddJsonOption(options);
   options.verb->add_option_function<std::string>(
-      "CATEGORY",
+      "PATTERN",
       [&options](const std::string& utf8) { options.category = vemora_ustring::FromUtf8(utf8); },
-      "The category whose preferences are listed");
+      "A category; * stands for any text, ? for one character");
+}
+
+void AddFind(CLI::App& program, ExitCode& result) {
+  FindOptions& options = AddVerb<FindOptions>(
+      program, result, "find", "Lists the preferences that have a text in their names or value",
+      "--private private.json plugin", Find);
+  AddStoreOptions(*options.verb, options.store);
+  AddJsonOption(options);
+  options.verb
+      ->add_option_function<std::string>(
+          "TEXT",
+          [&options](const std::string& utf8) { options.text = vemora_ustring::FromUtf8(utf8); },
+          "What to look for, in any case")
+      ->required();
 }
 
 }  // namespace vemora::tool

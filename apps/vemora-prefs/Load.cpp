@@ -2,8 +2,8 @@
 
 #include "Console.h"
 #include "Json.h"
-#include "PreferenceFile.h"
 #include "StoreOptions.h"
+#include "TextFile.h"
 #include "Verbs.h"
 
 namespace vemora::tool {
@@ -38,6 +38,8 @@ void AddLoad(CLI::App& program, ExitCode& result) {
       program, result, "load", "Writes the preferences of a dump; others stay as they are",
       "--private private.json --shared shared.json dump.json", Load);
   AddStoreOptions(*options.verb, options.store);
+  AddChangeOptions(*options.verb, options.store);
+  options.store.rules.backup = true;
   options.verb->add_option("FILE", options.file, "What 'dump' wrote")->required();
 }
 

@@ -9,6 +9,7 @@
 #include "Levels.h"
 #include "RegistryStore.h"
 #include "StoreOptions.h"
+#include "Table.h"
 #include "TypesFile.h"
 #include "Verbs.h"
 
@@ -28,6 +29,7 @@ constexpr char kToRegistry[] = "registry";
 
 std::unique_ptr<Store> Open(const StoreOptions& options, const std::string& kind, Access access) {
   StoreOptions one = options;
+  one.profile.clear();
   if (kind == kToFiles) {
     one.registry.clear();
   }
@@ -101,8 +103,8 @@ void Verify(const std::vector<Entry>& entries, const Store& store, std::vector<P
 
 using Summary = std::map<std::pair<EShareLevel, std::string>, int>;
 
-void PrintTable(const Summary& summary, const std::vector<Problem>& problems,
-                const std::string& outcome) {
+void PrintSummary(const Summary& summary, const std::vector<Problem>& problems,
+                  const std::string& outcome) {
   std::vector<std::vector<std::string>> rows = {{"LEVEL", "TYPE", "PREFERENCES"}};
   for (const auto& [kind, count] : summary) {
     rows.push_back({LevelName(kind.first), kind.second, std::to_string(count)});
@@ -117,7 +119,7 @@ void PrintTable(const Summary& summary, const std::vector<Problem>& problems,
 void PrintJson(const Summary& summary, const std::vector<Problem>& problems, bool dryRun) {
   Print(MakeJson([&](JsonWriter& writer) {
     writer.StartObject();
-    writer.Key("dry run");
+    writer.Key("dry_run");
     writer.Bool(dryRun);
     writer.Key("summary");
     writer.StartArray();
@@ -155,7 +157,9 @@ void RequireOptions(const MigrateOptions& options) {
   }
 }
 
-ExitCode Migrate(const MigrateOptions& options) {
+ExitCode Migrate(const MigrateOptions& named) {
+  MigrateOptions options = named;
+  options.store = Resolved(named.store);
   RequireOptions(options);
   const bool to_files = options.to == kToFiles;
   const auto source = Open(options.store, to_files ? kToRegistry : kToFiles, Access::kRead);
@@ -176,8 +180,9 @@ ExitCode Migrate(const MigrateOptions& options) {
     PrintJson(summary, problems, options.dry_run);
   } else {
     const std::string count = std::to_string(entries.size());
-    PrintTable(summary, problems,
-               options.dry_run ? "would write " + count : "wrote " + count + " and read them back");
+    PrintSummary(
+        summary, problems,
+        options.dry_run ? "would write " + count : "wrote " + count + " and read them back");
   }
   return problems.empty() ? kOk : kDifferent;
 }
@@ -193,6 +198,9 @@ void AddMigrate(CLI::App& program, ExitCode& result) {
       Migrate);
   AddFileOptions(*options.verb, options.store);
   AddRegistryOption(*options.verb, options.store);
+  AddProfileOption(*options.verb, options.store);
+  AddChangeOptions(*options.verb, options.store);
+  options.store.rules.backup = true;
   AddDefaultLevelOption(*options.verb, options.level);
   AddJsonOption(options);
   options.verb->add_option("--to", options.to, "files or registry")

@@ -1,5 +1,7 @@
 #include "PairOptions.h"
 
+#include "Json.h"
+
 namespace vemora::tool {
 
 void AddPairOptions(PairOptions& options) {
@@ -9,7 +11,19 @@ void AddPairOptions(PairOptions& options) {
   AddKey(*options.verb, options.key);
 }
 
-Entry Require(Store& store, const PairOptions& options) {
+void UnescapeNames(Store& store, PairOptions& options) {
+  const vemora_ustring category = Unescaped(options.category);
+  const vemora_ustring key = Unescaped(options.key);
+  const bool has_escapes = category != options.category || key != options.key;
+  if (has_escapes && !store.Find(options.level, options.category, options.key).has_value() &&
+      store.Find(options.level, category, key).has_value()) {
+    options.category = category;
+    options.key = key;
+  }
+}
+
+Entry Require(Store& store, const PairOptions& typed) {
+  const PairOptions options = Pasted(store, typed);
   const std::optional<Entry> entry = store.Find(options.level, options.category, options.key);
   if (!entry.has_value()) {
     throw Failure(kDifferent,

@@ -8,20 +8,43 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <limits>
-#include <set>
 #include <string_view>
+#include <unordered_set>
 
+#include "Escape.h"
 #include "Failure.h"
 #include "Levels.h"
 
 namespace vemora::tool {
 namespace {
 
-using Names = std::set<vemora_ustring, utils::NoCaseLess>;
+/// Names that are equal but for case have one hash. Letters that a locale may fold to others, and
+/// those beyond ASCII, all count as one.
+struct NoCaseHash {
+  std::size_t operator()(const vemora_ustring& name) const {
+    std::size_t hash = name.size();
+    for (const auto unit : name) {
+      const bool is_letter = unit < 0x80 && std::isalpha(static_cast<int>(unit)) != 0;
+      const auto upper = static_cast<std::size_t>(is_letter ? unit & ~0x20 : unit);
+      const bool may_fold = unit >= 0x80 || upper == 'I' || upper == 'K' || upper == 'S';
+      hash = (hash ^ (may_fold ? 0x80 : upper)) * 0x100'0000'01B3;
+    }
+    return hash;
+  }
+};
+
+struct NoCaseEqual {
+  bool operator()(const vemora_ustring& left, const vemora_ustring& right) const {
+    return left.CompareNoCase(right) == 0;
+  }
+};
+
+using Names = std::unordered_set<vemora_ustring, NoCaseHash, NoCaseEqual>;
+
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
+}
 
 /// The code unit of an escape such as \uD800 at `text`, or 0 when there is none.
 unsigned EscapedUnit(std::string_view text) {
@@ -78,7 +101,7 @@ bool IsNoInt(const std::string& number) {
 class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> {
  public:
   Checker(const std::string& text, const rapidjson::StringStream& stream, FileKind kind)
-      : text_(text),
+      : lines_(text),
         stream_(stream),
         kind_(kind),
         first_level_(kind == FileKind::kPrivate ? prefs::kThisComputerOnly
@@ -91,14 +114,14 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   void CheckLevelCount() {
     const std::size_t next = root_is_object_ ? first_level_ + members_of_root_ : kNoLevel;
     for (std::size_t level = next; level <= last_level_; ++level) {
-      Report("there is no member for \"" + NameOfLevel(level) +
-             "\", which a load leaves as it was");
+      Report(Rule::kMissingLevel, "there is no member for \"" + NameOfLevel(level) +
+                                      "\", which a load leaves as it was");
+      findings_.back().level = NameOfLevel(level);
     }
   }
 
   void ReportMalformed(std::size_t offset, const std::string& what) {
-    ReportAt(offset, what);
-    findings_.back().malformed = true;
+    ReportAt(Rule::kMalformed, offset, what);
   }
 
   bool Null() { return Skipped("null"); }
@@ -107,7 +130,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
     if (IsRead() && depth_ == kCategory && kind_ == FileKind::kShared &&
         LooksLikePath({text, length})) {
-      ReportKey("looks like a path of this computer, which should not travel");
+      ReportKey(Rule::kLocalPath, "looks like a path of this computer, which should not travel");
     }
     CheckEncoding({text, length});
     return Scalar();
@@ -135,6 +158,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
         break;
       case kLevel:
         category_ = name;
+        key_.clear();
         CheckCollision(categories_, name, "a load keeps the last of these categories only");
         break;
       default:
@@ -185,12 +209,16 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   /// Whether a load looks at what comes now.
   bool IsRead() const { return depth_ == read_ && (depth_ <= kRoot || Level() <= last_level_); }
 
-  void Report(const std::string& what) { ReportAt(stream_.Tell(), what); }
-  void ReportKey(const std::string& what) {
-    ReportAt(key_offset_, NameOf(category_, key_) + ' ' + what);
+  void Report(Rule rule, const std::string& what) { ReportAt(rule, stream_.Tell(), what); }
+  void ReportKey(Rule rule, const std::string& what) {
+    ReportAt(rule, key_offset_, NameOf(category_, key_) + ' ' + what);
   }
-  void ReportAt(std::size_t offset, const std::string& what) {
-    findings_.push_back(FindingAt(text_, offset, what));
+  void ReportAt(Rule rule, std::size_t offset, const std::string& what) {
+    const bool is_in_level =
+        depth_ >= kLevel && members_of_root_ > 0 && Level() <= last_level_ && read_ >= kLevel;
+    findings_.push_back(
+        {rule, is_in_level ? NameOfLevel(Level()) : "", is_in_level ? category_.ToUtf8() : "",
+         is_in_level && depth_ >= kCategory ? key_.ToUtf8() : "", lines_.At(offset), what});
   }
 
   bool Skipped(const std::string& kind) {
@@ -199,19 +227,22 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
     }
     switch (depth_) {
       case 0:
-        Report("the root is " + kind + " and no object, so a load takes nothing");
-        findings_.back().foreign = true;
+        Report(Rule::kNoObject, "the root is " + kind + " and no object, so a load takes nothing");
         break;
       case kRoot:
-        ReportAt(key_offset_, "the level \"" + NameOfLevel(Level()) + "\" is " + kind +
-                                  " and no object, so a load leaves it as it was");
+        if (Level() <= last_level_) {  // a member behind the last one is reported already
+          ReportAt(Rule::kNoObject, key_offset_,
+                   "the level \"" + NameOfLevel(Level()) + "\" is " + kind +
+                       " and no object, so a load leaves it as it was");
+        }
         break;
       case kLevel:
-        ReportAt(key_offset_, "the category \"" + category_.ToUtf8() + "\" is " + kind +
-                                  " and no object, so a load skips it");
+        ReportAt(Rule::kNoObject, key_offset_,
+                 "the category " + Quoted(category_.ToUtf8()) + " is " + kind +
+                     " and no object, so a load skips it");
         break;
       default:
-        ReportKey("is " + kind + ", which a load skips");
+        ReportKey(Rule::kNoPreference, "is " + kind + ", which a load skips");
     }
     return true;
   }
@@ -229,36 +260,37 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
     if (Level() <= last_level_ && name == prefs::kShareLevelNames[Level()]) {
       return;
     }
-    ReportAt(key_offset_,
-             "the member \"" + name.ToUtf8() + '"' +
+    ReportAt(Rule::kMisplacedMember, key_offset_,
+             "the member " + Quoted(name.ToUtf8()) +
                  (Level() > last_level_ ? " is one too many: no load takes it"
                                         : " stands at the place of \"" + NameOfLevel(Level()) +
                                               "\", as which it is loaded"));
-    findings_.back().foreign = true;
   }
 
   void CheckCollision(Names& names, const vemora_ustring& name, const std::string& effect) {
     const auto [other, is_new] = names.insert(name);
     if (!is_new) {
-      ReportAt(key_offset_, "the name \"" + name.ToUtf8() + "\" is the same as \"" +
-                                other->ToUtf8() + "\" above: " + effect);
+      ReportAt(Rule::kDuplicate, key_offset_,
+               "the name " + Quoted(name.ToUtf8()) + " is the same as " + Quoted(other->ToUtf8()) +
+                   " above: " + effect);
     }
   }
 
   void CheckLevel() {
     const std::optional<EShareLevel> level = classifier_.Find(category_, key_);
     if (level.has_value() && *level != Level()) {
-      ReportKey("belongs to the level \"" + LevelName(*level) + "\", where alone it is looked for");
+      ReportKey(Rule::kOtherLevel,
+                "belongs to the level \"" + LevelName(*level) + "\", where alone it is looked for");
     }
   }
 
   void CheckEncoding(std::string_view text) {
-    if (IsRead() && vemora_ustring::FromUtf8(text).ToUtf8() != text) {
-      Report("the text is not UTF-8; a load replaces what is ill-formed");
+    if (IsRead() && !IsAscii(text) && vemora_ustring::FromUtf8(text).ToUtf8() != text) {
+      Report(Rule::kIllFormedText, "the text is not UTF-8; a load replaces what is ill-formed");
     }
   }
 
-  const std::string& text_;
+  Lines lines_;
   const rapidjson::StringStream& stream_;
   FileKind kind_;
   std::size_t first_level_;
@@ -278,29 +310,15 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
 
 }  // namespace
 
-std::string ToText(const Finding& finding) {
-  return std::to_string(finding.line) + ':' + std::to_string(finding.column) + ": " + finding.text;
-}
-
-Finding FindingAt(const std::string& text, std::size_t offset, const std::string& what) {
-  const std::string_view before = std::string_view(text).substr(0, offset);
-  const auto line = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n')) + 1;
-  const std::size_t line_break = before.rfind('\n');
-  const std::size_t start = line_break == std::string_view::npos ? 0 : line_break + 1;
-  return {line, before.size() - start + 1, what};
-}
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  if (!file.is_open() || file.bad()) {
-    throw Failure(kUnusable, "cannot read " + path + "; check its name and rights");
-  }
-  return text;
-}
-
 std::vector<Finding> CheckText(const std::string& text, FileKind kind) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  constexpr Position kStart{1, 1};
+  if (text.empty()) {
+    return {{Rule::kEmpty, "", "", "", kStart, "the file is empty; a load takes nothing"}};
+  }
+  if (IsUtf16(text)) {
+    return {{Rule::kUtf16, "", "", "", kStart, "the text is UTF-16; save it as UTF-8"}};
+  }
   // Blanks in its place leave all else where it is.
   std::string json = WithoutLoneSurrogates(text);
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {

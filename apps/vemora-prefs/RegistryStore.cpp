@@ -114,14 +114,17 @@ void RegistryStore::Unset(EShareLevel /*level*/, const vemora_ustring& category,
   Registry::DeleteValue(Registry::kCurrentUser, path_, category, key);
 }
 
-bool RegistryStore::Drop(const vemora_ustring& category) {
+bool RegistryStore::HasCategory(const vemora_ustring& category) {
+  return Registry::EnumerateValues(Registry::kCurrentUser, path_, category).has_value();
+}
+
+void RegistryStore::Drop(const vemora_ustring& category) {
   const auto values = Registry::EnumerateValues(Registry::kCurrentUser, path_, category);
   for (const RegistryValue& value : values.value_or(std::vector<RegistryValue>())) {
     Registry::DeleteValue(Registry::kCurrentUser, path_, category, value.name);
   }
   // The key itself stays when it has subcategories.
   Registry::DeleteKey(Registry::kCurrentUser, path_, category);
-  return values.has_value();
 }
 
 EShareLevel RegistryStore::LevelOf(EShareLevel /*level*/, const vemora_ustring& /*category*/,

@@ -21,7 +21,8 @@ class RegistryStore : public Store {
   std::optional<std::string> Refuses(const Value& value) const override;
   void Write(const Entry& entry) override;
   void Unset(EShareLevel level, const vemora_ustring& category, const vemora_ustring& key) override;
-  bool Drop(const vemora_ustring& category) override;
+  bool HasCategory(const vemora_ustring& category) override;
+  void Drop(const vemora_ustring& category) override;
   void Save() override {}
   std::string BackEnd() const override { return "registry"; }
   EShareLevel LevelOf(EShareLevel level, const vemora_ustring& category,

@@ -14,6 +14,13 @@ namespace vemora::tool {
 /// are missing.
 enum class Access { kRead, kChange, kMake };
 
+/// How files are changed.
+struct WriteRules {
+  bool in_place = false;  // and not in protected mode
+  bool force = false;     // also files that are read-only, or of which something is lost
+  bool backup = false;    // a copy is kept
+};
+
 /// `level` is, in all operations, the default share level: that of preferences which the library's
 /// table does not know. `kNoShareLevel` stands for the library's own default.
 class Store {
@@ -39,8 +46,10 @@ class Store {
   virtual void Unset(EShareLevel level, const vemora_ustring& category,
                      const vemora_ustring& key) = 0;
 
-  /// Removes all preferences of a category; false when there is no such category.
-  virtual bool Drop(const vemora_ustring& category) = 0;
+  virtual bool HasCategory(const vemora_ustring& category) = 0;
+
+  /// Removes all preferences of a category.
+  virtual void Drop(const vemora_ustring& category) = 0;
 
   /// Makes sure that what was changed is on disk.
   virtual void Save() = 0;

@@ -1,8 +1,12 @@
 #include "StoreOptions.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include "Failure.h"
 #include "FileStore.h"
 #include "Levels.h"
+#include "Profiles.h"
 #include "RegistryStore.h"
 
 namespace vemora::tool {
@@ -14,6 +18,25 @@ void AddText(CLI::App& verb, const std::string& name, const std::string& descrip
           name, [&text](const std::string& utf8) { text = vemora_ustring::FromUtf8(utf8); },
           description)
       ->required();
+}
+
+/// The path below the current user's root, which may be written before it.
+std::string WithoutRoot(const std::string& path) {
+  const vemora_ustring root =
+      vemora_ustring::FromUtf8(path.substr(0, std::min(path.find('\\'), path.size())));
+  for (const char* const own : {"HKCU", "HKCU:", "HKEY_CURRENT_USER"}) {
+    if (root.CompareNoCase(vemora_ustring(own)) == 0) {
+      return path.substr(std::min(root.ToUtf8().size() + 1, path.size()));
+    }
+  }
+  for (const char* const other : {"HKLM", "HKLM:", "HKCR", "HKU", "HKCC", "HKEY_LOCAL_MACHINE",
+                                  "HKEY_CLASSES_ROOT", "HKEY_USERS", "HKEY_CURRENT_CONFIG"}) {
+    if (root.CompareNoCase(vemora_ustring(other)) == 0) {
+      throw Failure(kUsage, "preferences lie below HKEY_CURRENT_USER, not below " + root.ToUtf8() +
+                                "; give a path such as Software\\Vendor\\App");
+    }
+  }
+  return path;
 }
 
 }  // namespace
@@ -40,18 +63,56 @@ void AddStoreOptions(CLI::App& verb, StoreOptions& options, const std::string& p
   AddRegistryOption(verb, options, prefix)
       ->excludes(options.prefix + "private")
       ->excludes(options.prefix + "shared");
+  AddProfileOption(verb, options, prefix);
 }
 
-std::unique_ptr<Store> OpenStore(const StoreOptions& options, Access access) {
-  if (options.registry.find_first_not_of('\\') != std::string::npos) {
-    return std::make_unique<RegistryStore>(options.registry, access);
+void AddProfileOption(CLI::App& verb, StoreOptions& options, const std::string& prefix) {
+  verb.add_option("--" + prefix + "profile", options.profile,
+                  "The store that 'profile add' gave this name")
+      ->type_name("NAME");
+}
+
+StoreOptions Resolved(const StoreOptions& options) {
+  StoreOptions resolved = options;
+  const char* const usual = std::getenv("VEMORA_PREFS_PROFILE");
+  const bool is_named = !options.private_file.empty() || !options.shared_file.empty() ||
+                        !options.registry.empty() || !options.profile.empty();
+  if (!is_named && usual != nullptr && options.prefix != "--with-") {
+    resolved.profile = usual;
+  }
+  if (resolved.profile.empty()) {
+    return resolved;
+  }
+  const Profile profile = FindProfile(resolved.profile);
+  const auto fill = [](std::string& text, const std::string& other) {
+    text = text.empty() ? other : text;
+  };
+  fill(resolved.private_file, profile.private_file);
+  fill(resolved.shared_file, profile.shared_file);
+  fill(resolved.registry, profile.registry);
+  return resolved;
+}
+
+void AddChangeOptions(CLI::App& verb, StoreOptions& options) {
+  verb.add_flag("--in-place", options.rules.in_place,
+                "Rewrite the files as hosts do that use no protected saves");
+  verb.add_flag("--force", options.rules.force,
+                "Change a file that is read-only, or that loses what a load skips; keeps a copy");
+}
+
+std::unique_ptr<Store> OpenStore(const StoreOptions& named, Access access) {
+  const StoreOptions options = Resolved(named);
+  const std::string registry = WithoutRoot(options.registry);
+  if (registry.find_first_not_of('\\') != std::string::npos) {
+    return std::make_unique<RegistryStore>(registry, access);
   }
   if (options.private_file.empty() && options.shared_file.empty()) {
     throw Failure(kUsage, "no store was named; give " + options.prefix + "private FILE, " +
-                              options.prefix + "shared FILE or both, or " + options.prefix +
-                              "registry PATH");
+                              options.prefix + "shared FILE or both, " + options.prefix +
+                              "registry PATH, or " + options.prefix + "profile NAME");
   }
-  return std::make_unique<FileStore>(options.private_file, options.shared_file, access);
+  return std::make_unique<FileStore>(options.private_file, options.shared_file, access,
+                                     options.rules);
 }
 
 void AddDefaultLevelOption(CLI::App& verb, EShareLevel& level) {

@@ -14,11 +14,16 @@ struct StoreOptions {
   std::string private_file;
   std::string shared_file;
   std::string registry;
+  std::string profile;
   std::string prefix;
+  WriteRules rules;
 };
 
 /// Adds --private, --shared and --registry, or --PREFIXprivate and so on.
 void AddStoreOptions(CLI::App& verb, StoreOptions& options, const std::string& prefix = "");
+
+/// Adds what the verbs have that change a store: --in-place and --force.
+void AddChangeOptions(CLI::App& verb, StoreOptions& options);
 
 /// Parts of these.
 /// @{
@@ -26,6 +31,12 @@ void AddFileOptions(CLI::App& verb, StoreOptions& options, const std::string& pr
 CLI::Option* AddRegistryOption(CLI::App& verb, StoreOptions& options,
                                const std::string& prefix = "");
 /// @}
+
+void AddProfileOption(CLI::App& verb, StoreOptions& options, const std::string& prefix = "");
+
+/// With the files or the key of the profile, if one was named or the environment has one.
+/// @throws Failure when there is no such profile
+StoreOptions Resolved(const StoreOptions& options);
 
 /// @throws Failure when no store was named, or it cannot be used
 std::unique_ptr<Store> OpenStore(const StoreOptions& options, Access access);

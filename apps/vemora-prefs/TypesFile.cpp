@@ -4,7 +4,7 @@
 #include <rapidjson/error/en.h>
 
 #include "Failure.h"
-#include "PreferenceFile.h"
+#include "TextFile.h"
 
 namespace vemora::tool {
 namespace {
@@ -24,8 +24,9 @@ Types ReadTypes(const std::string& file) {
   rapidjson::Document document;
   document.Parse<rapidjson::kParseIterativeFlag>(text.data(), text.size());
   if (document.HasParseError()) {
-    Refuse(file, ToText(FindingAt(text, document.GetErrorOffset(),
-                                  GetParseError_En(document.GetParseError()))));
+    const Position at = Lines(text).At(document.GetErrorOffset());
+    Refuse(file, std::to_string(at.line) + ':' + std::to_string(at.column) + ": " +
+                     GetParseError_En(document.GetParseError()));
   }
   if (!document.IsObject()) {
     Refuse(file, "the root is no object");

@@ -5,24 +5,30 @@
 
 #include <CLI/CLI.hpp>
 
+#include "Console.h"
 #include "Failure.h"
 
 namespace vemora::tool {
 
 void AddCheck(CLI::App& program, ExitCode& result);
+void AddCompletion(CLI::App& program, ExitCode& result);
 void AddDiff(CLI::App& program, ExitCode& result);
 void AddDrop(CLI::App& program, ExitCode& result);
 void AddDump(CLI::App& program, ExitCode& result);
 void AddExplain(CLI::App& program, ExitCode& result);
+void AddFind(CLI::App& program, ExitCode& result);
 void AddGet(CLI::App& program, ExitCode& result);
+void AddHelp(CLI::App& program, ExitCode& result);
 void AddList(CLI::App& program, ExitCode& result);
 void AddLoad(CLI::App& program, ExitCode& result);
 void AddMigrate(CLI::App& program, ExitCode& result);
+void AddProfile(CLI::App& program, ExitCode& result);
 void AddSet(CLI::App& program, ExitCode& result);
 void AddUnset(CLI::App& program, ExitCode& result);
 
 /// Adds a verb whose options live as long as the command line; `run` takes them.
-/// @param example a command line, less the program's name
+/// The help, the completion and the manual have what they tell from here.
+/// @param example a command line, less the program's name and the verb
 template <typename Options>
 Options& AddVerb(CLI::App& program, ExitCode& result, const std::string& name,
                  const std::string& description, const std::string& example,
@@ -30,6 +36,8 @@ Options& AddVerb(CLI::App& program, ExitCode& result, const std::string& name,
   const auto options = std::make_shared<Options>();
   CLI::App* const verb = program.add_subcommand(name, description);
   verb->footer("Example:\n  vemora-prefs " + name + ' ' + example);
+  verb->set_help_flag("-h,--help", "Tell how this verb is used");
+  verb->add_flag_callback("--quiet", SetQuiet, "Write nothing but errors; the exit code tells");
   verb->callback([options, run, &result] { result = run(*options); });
   options->verb = verb;
   return *options;

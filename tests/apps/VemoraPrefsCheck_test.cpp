@@ -45,23 +45,28 @@ const Flaw kPrivateFlaws[] = {
     {"Malformed", "{\"This Computer Only\": {\n  \"c\": {\"k\": 1,}\n}}",
      "2:16: Missing a name for object member.", 3},
     {"Truncated", "{\"This Computer Only\": {", "1:25: Missing a name for object member.", 3},
-    {"Empty", "", "1:1: The document is empty.", 3},
+    {"Empty", "", "1:1: the file is empty; a load takes nothing"},
+    {"Utf16", "\xFF\xFE{", "1:1: the text is UTF-16; save it as UTF-8", 3},
     {"TwoRoots", "{\"This Computer Only\": {}} {}",
      "1:28: The document root must not be followed by other values.", 3},
     {"TooLargeForADouble", "{\"This Computer Only\": {\"c\": {\"k\": 1e999}}}",
      "1:36: Number too big to be stored in double.", 3},
     {"SlightlyTooLargeForADouble", "{\"This Computer Only\": {\"c\": {\"k\": 1.8e308}}}",
      "1:36: the number is too large for a double", 3},
-    {"RootIsAnArray", "[]", "1:1: the root is an array and no object, so a load takes nothing"},
+    {"RootIsAnArray", "[]", "1:1: the root is an array and no object, so a load takes nothing", 3},
     {"LevelIsNoObject", "{\"This Computer Only\": 1}",
      "1:2: the level \"This Computer Only\" is a single value and no object, so a load leaves it "
      "as "
-     "it was"},
+     "it was",
+     3},
+    {"NoLevel", "{}", "1:1: The root holds no share level.", 3},
     {"WrongName", "{\"Windows Only\": {}}",
      "1:2: the member \"Windows Only\" stands at the place of \"This Computer Only\", as which it "
      "is "
      "loaded"},
     {"OneTooMany", "{\"This Computer Only\": {},\n \"More\": {\"c\": {\"k\": null}}}",
+     "2:2: the member \"More\" is one too many: no load takes it"},
+    {"ScalarTooMany", "{\"This Computer Only\": {},\n \"More\": 1}",
      "2:2: the member \"More\" is one too many: no load takes it"},
     {"CategoryIsNoObject", "{\"This Computer Only\": {\"c\": [{\"k\": null}]}}",
      "1:25: the category \"c\" is an array and no object, so a load skips it"},
@@ -163,7 +168,12 @@ TEST_F(VemoraPrefsCheck, TellsInJson) {
             "    \"file\": \"größe.json\",\n"
             "    \"line\": 2,\n"
             "    \"column\": 1,\n"
+            "    \"rule\": \"no-preference\",\n"
+            "    \"severity\": \"warning\",\n"
             "    \"malformed\": false,\n"
+            "    \"level\": \"This Computer Only\",\n"
+            "    \"category\": \"c\",\n"
+            "    \"key\": \"k\",\n"
             "    \"text\": \"c / k is null, which a load skips\"\n"
             "  }\n"
             "]\n");
@@ -178,7 +188,7 @@ TEST_F(VemoraPrefsCheck, ChangesNothing) {
 
 TEST_F(VemoraPrefsCheck, OfAMissingFileFails) {
   EXPECT_THAT(Run("check --private missing.json"),
-              FailedWith(3, "cannot read missing.json; check its name and rights"));
+              FailedWith(3, "there is no file missing.json; check its name"));
 }
 
 TEST_F(VemoraPrefsCheck, KeepsTheWorstOfBothFilesAsItsResult) {

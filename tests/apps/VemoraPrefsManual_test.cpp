@@ -22,6 +22,8 @@ std::string Replace(std::string text, const std::string& old, const std::string&
 
 class VemoraPrefsManual : public VemoraPrefsTest {
  protected:
+  VemoraPrefsManual() { SetEnvironmentVariableW(L"APPDATA", folder.path().c_str()); }
+
   /// Puts what the program writes to a file, if the command line says so.
   std::string RunExample(const std::string& command) const {
     const std::size_t arrow = command.find(" > ");

@@ -46,11 +46,32 @@ class ChildOutput {
   HANDLE handle_;
 };
 
+/// A file that a child process reads from.
+class ChildInput {
+ public:
+  explicit ChildInput(const std::filesystem::path& path) {
+    SECURITY_ATTRIBUTES inherited{};
+    inherited.nLength = sizeof(inherited);
+    inherited.bInheritHandle = TRUE;
+    handle_ = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, &inherited, OPEN_EXISTING,
+                          FILE_ATTRIBUTE_NORMAL, nullptr);
+  }
+  ChildInput(const ChildInput&) = delete;
+  ChildInput& operator=(const ChildInput&) = delete;
+  ~ChildInput() { CloseHandle(handle_); }
+
+  HANDLE handle() const { return handle_; }
+
+ private:
+  HANDLE handle_;
+};
+
 /// A folder with the files of a test, in which the program runs.
 class VemoraPrefsTest : public ::testing::Test {
  protected:
   /// @param arguments the command line behind the program's name, in UTF-8, as a user types it
-  Ended Run(const std::string& arguments) const {
+  /// @param input what is led to its standard input
+  Ended Run(const std::string& arguments, const std::string& input = "") const {
     std::array<wchar_t, 32768> self{};
     GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
     const std::filesystem::path program =
@@ -58,16 +79,20 @@ class VemoraPrefsTest : public ::testing::Test {
     const std::wstring command = L'"' + program.wstring() + L"\" " + Utf8(arguments);
     const std::filesystem::path out_file = folder.path().wstring() + L".out";
     const std::filesystem::path err_file = folder.path().wstring() + L".err";
+    const std::filesystem::path in_file = folder.path().wstring() + L".in";
+    WriteBytes(in_file, input);
     Ended ended{};
     {
       const ChildOutput out(out_file);
       const ChildOutput err(err_file);
-      ended.code = RunProcess(program, command, out.handle(), err.handle());
+      const ChildInput in(in_file);
+      ended.code = RunProcess(program, command, in.handle(), out.handle(), err.handle());
       ended.out = out.Text();
       ended.err = err.Text();
     }
     std::filesystem::remove(out_file);
     std::filesystem::remove(err_file);
+    std::filesystem::remove(in_file);
     return ended;
   }
 
@@ -84,11 +109,12 @@ class VemoraPrefsTest : public ::testing::Test {
   const ScratchFolder folder;
 
  private:
-  DWORD RunProcess(const std::filesystem::path& program, const std::wstring& command, HANDLE out,
-                   HANDLE err) const {
+  DWORD RunProcess(const std::filesystem::path& program, const std::wstring& command, HANDLE in,
+                   HANDLE out, HANDLE err) const {
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = in;
     startup.hStdOutput = out;
     startup.hStdError = err;
     PROCESS_INFORMATION process{};
