@@ -18,6 +18,8 @@ class CommonPreferencesConan(ConanFile):
     topics = ("preferences", "settings", "registry", "json")
     package_type = "shared-library"
     settings = "os", "arch", "compiler", "build_type"
+    options = {"tools": [True, False]}  # vemora-prefs
+    default_options = {"tools": False}
 
     @property
     def _clone(self):
@@ -25,8 +27,8 @@ class CommonPreferencesConan(ConanFile):
         return os.path.join(self.recipe_folder, os.pardir, os.pardir)
 
     def export_sources(self):
-        for pattern in ("CMakeLists.txt", "*.md", "LICENSE", "cmake/*", "docs/*", "licenses/*",
-                        "prefs/*", "utils/*"):
+        for pattern in ("CMakeLists.txt", "CHANGELOG.md", "LICENSE", "README.md", "apps/*",
+                        "cmake/*", "docs/*", "licenses/*", "prefs/*", "utils/*"):
             copy(self, pattern, self._clone, self.export_sources_folder)
 
     def validate(self):
@@ -36,6 +38,8 @@ class CommonPreferencesConan(ConanFile):
 
     def requirements(self):
         self.requires("rapidjson/cci.20230929", visible=False)
+        if self.options.tools:
+            self.requires("cli11/2.4.2", visible=False)
 
     def layout(self):
         cmake_layout(self)
@@ -44,9 +48,14 @@ class CommonPreferencesConan(ConanFile):
         toolchain = CMakeToolchain(self)
         for part in ("EXAMPLES", "TESTS"):
             toolchain.cache_variables[f"COMMONPREFERENCES_{part}"] = False
-        rapidjson = self.dependencies["rapidjson"].cpp_info.includedirs[0]
-        toolchain.cache_variables["RAPIDJSON_INCLUDE_DIR"] = rapidjson.replace("\\", "/")
+        toolchain.cache_variables["COMMONPREFERENCES_APPS"] = bool(self.options.tools)
+        toolchain.cache_variables["RapidJSON_INCLUDE_DIR"] = self._include_folder("rapidjson")
+        if self.options.tools:
+            toolchain.cache_variables["CLI11_INCLUDE_DIR"] = self._include_folder("cli11")
         toolchain.generate()
+
+    def _include_folder(self, dependency):
+        return self.dependencies[dependency].cpp_info.includedirs[0].replace("\\", "/")
 
     def build(self):
         cmake = CMake(self)
@@ -55,8 +64,10 @@ class CommonPreferencesConan(ConanFile):
 
     def package(self):
         CMake(self).install()
-        for pattern in ("LICENSE", "licenses/*"):
-            copy(self, pattern, self.source_folder, os.path.join(self.package_folder, "licenses"))
+        licenses = os.path.join(self.package_folder, "licenses")
+        installed = os.path.join(self.package_folder, "share", "doc", "CommonPreferences")
+        copy(self, "LICENSE", installed, licenses)
+        copy(self, "*", os.path.join(installed, "licenses"), licenses)
         # Conan makes its own of what these hold.
         for folder in ("cmake", "pkgconfig"):
             rmdir(self, os.path.join(self.package_folder, "lib", folder))

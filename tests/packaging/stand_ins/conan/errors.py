@@ -1,0 +1,2 @@
+class ConanInvalidConfiguration(Exception):
+    pass

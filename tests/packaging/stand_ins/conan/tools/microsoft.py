@@ -1,0 +1,2 @@
+def is_msvc(recipe):
+    return recipe.settings.compiler == "msvc"
