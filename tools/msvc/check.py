@@ -41,7 +41,7 @@ CHANGED_HEADERS = {
 }
 
 # Not for Visual C++, and those in which a test expects errors or warnings.
-LEFT_OUT = re.compile(r"tests/(utils/format_o|prefs/guards_without_names)")
+LEFT_OUT = re.compile(r"platform/mingw/|tests/utils/format_o|tests/prefs/guards_without_names")
 
 MACROS_OF_WINDOWS = """#if !defined(min) || !defined(max)
 #error "<windows.h> made no macros min and max, or a standard header took them away."
