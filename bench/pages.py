@@ -27,26 +27,29 @@ USER_PAGE = """# Performance
 
 ![Time and memory of the library and of its alternatives](performance.svg)
 
-Shorter is better. The chart shows Windows programs with {M:,} preferences, and with {L:,} for the
-memory; so does the table where it says nothing else.
+Shorter is better. Unless a row says otherwise, chart and table show Windows programs with {M:,}
+preferences, and with {L:,} for the memory.
 
 {table}
 
-Five libraries that a program could take instead have the same preferences; each row shows the best
-of them. The **floor** is the least that could be done: for reads and changes a `std::unordered_map`
-whose names were made ready beforehand, for loads and saves the same files as plain bytes, for the
-save that loses nothing one file that is written, flushed and moved to its place. A dash stands
-where there is nothing to compare with.
+Five libraries that a program could use instead hold the same preferences, and each row shows the best
+of them. The **floor** is the least work that could be done:
+
+- for reads and changes, a `std::unordered_map` whose names were prepared beforehand;
+- for loads and saves, the same files as plain bytes;
+- for the save that loses nothing, one file that is written, flushed and moved to its place.
+
+A dash means that there is nothing to compare with.
 
 Measured on {date} under {wine}, on {cores} cores ({cpu}). `./dev bench --docs` measures again and
-writes this page; [Performance in detail](performance-details.md) has all figures, and is for
-whoever changes the library.
+writes this page. [Performance in detail](performance-details.md) has all figures, for those who change
+the library.
 """
 
 DETAILS_PAGE = """# Performance in detail
 
-For whoever changes the library: every figure, what the library must reach, and why where it does
-not. [Performance](performance.md) is the short page.
+For those who change the library: every figure, what the library must reach, and why it does not where
+it does not. [Performance](performance.md) is the short page.
 
 | | |
 | --- | --- |
@@ -58,29 +61,28 @@ not. [Performance](performance.md) is the short page.
 
 ## What is measured
 
-Sizes: S is the {S} classified preferences, M {M:,} and L {L:,} of which most are a host's own.
-Worlds: *Windows* is the DLL under Wine, called as a host calls it; *native* is the same sources
-built for Linux, with a stand-in for the calls of Windows. Targets are for Windows; native figures
-are for analysis. All times are elapsed times but those called CPU. A figure is the lower decile of
-short, interleaved repetitions.
+There are three sizes. S is the {S} known preferences. M is {M:,} and L is {L:,} preferences, most of
+which are a host's own. There are two worlds. *Windows* is the DLL under Wine, called as a host calls
+it. *Native* is the same sources built for Linux, with a replacement for the calls of Windows. Targets
+are for Windows; native figures are for analysis. Times are elapsed times unless they are called CPU. A
+figure is the lower decile of short, interleaved repetitions.
 
-- The **floor** of reads and changes is a `std::unordered_map` of the standard library over names of
-  16-bit units that were folded and joined beforehand, on both sides, and that `memcmp` compares. It
-  is the same code with the same flags in both worlds.
+- The **floor** of reads and changes is a `std::unordered_map` of the standard library. Its names are
+  16-bit units that were folded and joined beforehand, also for the lookup, and `memcmp` compares them.
+  The code and the flags are the same in both worlds.
 - New preferences are added to a store that was just loaded, and then deleted from it.
-- Loads and saves run in a process for each store. RapidJSON parses in place and writes prettily the
-  library's own two files; every other library has one file of its own. The floor reads and writes
-  the two files as plain bytes. Before each save one classified preference gets another value. The
-  floor of a protected save writes the file with the change beside its place, flushes it and moves
-  it there.
-- CPU time and page faults of L are those of the process beyond a process that does everything but
-  the loads or saves. Those of the first use are beyond an empty process with the same imports.
-  Wine's server lives through the run, and is not counted.
+- Loads and saves run in a process for each store. RapidJSON parses the library's own two files in place
+  and writes them with indents; every other library has one file of its own. The floor reads and writes
+  the two files as plain bytes. Before each save one known preference gets another value. The floor of a
+  protected save writes the changed file beside its place, flushes it and moves it there.
+- CPU time and page faults of L are those of the process, less those of a process that does everything
+  except the loads or saves. For the first use, those of an empty process with the same imports are
+  taken off. Wine's server runs all the time and is not counted.
 - An uncached read from the registry is compared with opening the category's key, querying the value
   and closing the key.
-- Memory is what a process that only loads has resident more than before, per preference.
-- Growth is the time that a preference takes in a large store, relative to a small one of the same
-  shape; for inserts and reads, relative to the floor's growth.
+- Memory is the growth of the resident memory of a process that only loads, for each preference.
+- Growth is the time for a preference in a large store, relative to a small store of the same shape; for
+  inserts and reads, relative to the floor's growth.
 
 ## Targets
 

@@ -53,12 +53,12 @@ void PrintCategories(const Categories& categories) {
 }  // namespace
 
 int main() {
-  std::cout << "# Classified preferences\n\n"
-               "The known pairs of category and key and their share levels. The case of the names "
-               "does not\nmatter. Every other preference takes the default share level, see "
-               "[concepts](concepts.md).\n\n"
-               "This page is printed from the table in `prefs/ShareLevelTable.cpp` by `./dev "
-               "docs`.\n";
+  std::cout
+      << "# Classified preferences\n\n"
+         "These pairs of category and key are known and have a fixed share level. The case of "
+         "names does\nnot matter. Every other preference takes the default share level, see "
+         "[Concepts](concepts.md).\n\n"
+         "`./dev docs` prints this page from the table in `prefs/ShareLevelTable.cpp`.\n";
   const auto levels = CollectLevels();
   for (std::size_t number = 0; number < levels.size(); ++number) {
     const Level& level = levels[number];

@@ -31,7 +31,8 @@ struct Raw64 {
 /// Copying and destroying containers uses the stack, as deep as they are nested.
 class Variant {
  public:
-  /// What a Variant holds. Unsigned chars and shorts are held as `kChar` and `kShort`, longs as ints.
+  /// What a Variant holds. Unsigned chars and shorts are held as `kChar` and `kShort`, longs as
+  /// ints.
   enum EType : std::uint32_t {
     kEmpty = 0,
     kBool = 1,
