@@ -7,7 +7,6 @@
 
 #include "Failure.h"
 #include "Levels.h"
-#include "PreferenceFile.h"
 #include "prefs/JsonCommon.h"
 
 namespace vemora::tool {
@@ -34,6 +33,11 @@ std::string FirstMember(const std::string& text) {
   return first.name;
 }
 
+bool IsSharedFile(const std::string& path) {
+  return FileExists(path) &&
+         FirstMember(ReadFile(path)) == LevelName(prefs::kSharedForAllComputers);
+}
+
 }  // namespace
 
 prefs::FileLoadResult LoadResultOf(const std::string& path, FileKind kind) {
@@ -47,33 +51,29 @@ prefs::FileLoadResult LoadResultOf(const std::string& path, FileKind kind) {
   return is_private ? found.private_file : found.shared_file;
 }
 
-std::vector<Finding> CheckFile(const std::string& path, FileKind kind) {
+Findings CheckFile(const std::string& path, FileKind kind, std::size_t limit) {
   const std::string text = ReadFile(path);
   RequireKind(path, text, kind);
-  std::vector<Finding> findings = CheckText(text, kind);
-  const bool is_told = std::any_of(findings.begin(), findings.end(),
-                                   [](const Finding& finding) { return finding.IsMalformed(); });
+  Findings findings = CheckText(text, kind, limit);
   const prefs::FileLoadResult loaded = LoadResultOf(path, kind);
-  if (loaded.result != prefs::ELoadResult::kMalformed || is_told) {
+  if (loaded.result != prefs::ELoadResult::kMalformed || findings.IsMalformed()) {
     return findings;
   }
-  for (Finding& finding : findings) {
-    if (finding.rule == Rule::kNoObject && finding.category.empty()) {
-      finding.rule = Rule::kMalformed;  // there is no share level at all
-      return findings;
-    }
+  // Among them texts that have no share level at all, which is told once.
+  findings.RemoveAll(Rule::kMissingLevel);
+  Finding malformed{
+      Rule::kMalformed,
+      "",
+      "",
+      "",
+      {std::max<std::size_t>(loaded.line, 1), std::max<std::size_t>(loaded.column, 1)},
+      loaded.message};
+  if (findings.CountOf(Rule::kNoObject) != 0) {
+    malformed.text = findings.list.front().text;
+    malformed.position = findings.list.front().position;
+    findings.RemoveAll(Rule::kNoObject);
   }
-  findings.erase(
-      std::remove_if(findings.begin(), findings.end(),
-                     [](const Finding& finding) { return finding.rule == Rule::kMissingLevel; }),
-      findings.end());
-  findings.push_back(
-      {Rule::kMalformed,
-       "",
-       "",
-       "",
-       {std::max<std::size_t>(loaded.line, 1), std::max<std::size_t>(loaded.column, 1)},
-       loaded.message});
+  findings.Add(malformed);
   return findings;
 }
 
@@ -94,6 +94,25 @@ void RequireTwoFiles(const std::string& privateFile, const std::string& sharedFi
     throw Failure(kUsage, "--private and --shared name one file, " + privateFile +
                               "; give the private file and the shared file");
   }
+}
+
+std::string SharedFileBeside(const std::string& privateFile) {
+  namespace fs = std::filesystem;
+  std::error_code unreadable;
+  std::string found;
+  const fs::path folder = fs::absolute(fs::u8path(privateFile)).parent_path();
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder, unreadable)) {
+    const std::string file = fs::path(entry.path()).replace_extension().u8string();
+    if (entry.path().extension() != L".lock" || !IsSharedFile(file)) {
+      continue;
+    }
+    if (!found.empty()) {
+      throw Failure(kUsage, "several shared files lie beside " + privateFile +
+                                "; name the one that belongs to it with --shared");
+    }
+    found = file;
+  }
+  return found;
 }
 
 void RequireKind(const std::string& path, const std::string& text, FileKind kind) {

@@ -72,7 +72,7 @@ bool IsReadOnly(const std::string& path) {
 /// The place of the first thing that is wrong with a malformed file, and that line of it.
 [[noreturn]] void RefuseMalformed(const std::string& path, FileKind kind) {
   const std::string text = ReadFile(path);
-  for (const Finding& finding : CheckFile(path, kind)) {
+  for (const Finding& finding : CheckFile(path, kind, 1).list) {
     if (finding.IsMalformed()) {
       throw Failure(kUnusable,
                     ToText(path, finding) +
@@ -193,16 +193,17 @@ void FileStore::RequireHarmless(FileKind kind) const {
   if (IsReadOnly(path)) {
     throw Failure(kUnusable, path + " is read-only, so nothing was changed; --force changes it");
   }
-  constexpr std::size_t kShown = 10;
-  std::size_t losses = 0;
+  constexpr std::size_t kListed = 5;  // of each rule
+  const Findings findings = CheckFile(path, kind, kListed);
   std::string lines;
-  for (const Finding& finding : CheckFile(path, kind)) {
-    if (InfoOf(finding.rule).loses && ++losses <= kShown) {
+  for (const Finding& finding : findings.list) {
+    if (InfoOf(finding.rule).loses) {
       lines += "  " + ToText(path, finding) + '\n';
     }
   }
-  if (losses != 0) {
-    lines += losses > kShown ? "  and " + std::to_string(losses - kShown) + " more\n" : "";
+  if (!lines.empty()) {
+    const std::size_t hidden = findings.CountHidden();
+    lines += hidden != 0 ? "  and " + std::to_string(hidden) + " more, see 'check'\n" : "";
     throw Failure(kUnusable,
                   "saving " + path +
                       " would lose what a load skips, so nothing was changed; mend the file, or "
@@ -232,6 +233,11 @@ void FileStore::Save() {
 
 /// Hosts, virus scanners and others hold a file for moments.
 void FileStore::SaveProtected() {
+  if (shared_file_.empty()) {
+    // Only for the lock that a host takes, too.
+    store_.SetPaths(store_.GetPrivatePath(),
+                    vemora_ustring::FromUtf8(SharedFileBeside(private_file_)));
+  }
   constexpr int kTries = 5;
   constexpr DWORD kPause = 200;  // milliseconds
   for (int tries = 1;; ++tries) {

@@ -2,8 +2,11 @@
 /// What `check` finds.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "TextFile.h"
 
@@ -24,6 +27,8 @@ enum class Rule {
   kIllFormedText
 };
 
+constexpr std::size_t kRuleCount = static_cast<std::size_t>(Rule::kIllFormedText) + 1;
+
 struct RuleInfo {
   const char* name;
   std::string_view severity;  // error: the whole file counts as empty
@@ -41,6 +46,28 @@ struct Finding {
   std::string text;
 
   bool IsMalformed() const { return InfoOf(rule).severity == InfoOf(Rule::kMalformed).severity; }
+};
+
+/// What was found, in the order of the text.
+class Findings {
+ public:
+  /// @param limit how many findings of a rule are listed; others are counted only
+  explicit Findings(std::size_t limit) : limit_(limit) {}
+
+  bool IsListed(Rule rule) const { return CountOf(rule) < limit_; }
+  void Count(Rule rule) { ++counts_[static_cast<std::size_t>(rule)]; }
+  void Add(Finding finding);
+  void RemoveAll(Rule rule);
+
+  std::size_t CountOf(Rule rule) const { return counts_[static_cast<std::size_t>(rule)]; }
+  std::size_t CountHidden() const;
+  bool IsMalformed() const { return CountOf(Rule::kMalformed) + CountOf(Rule::kUtf16) != 0; }
+
+  std::vector<Finding> list;
+
+ private:
+  std::size_t limit_;
+  std::array<std::size_t, kRuleCount> counts_{};
 };
 
 /// "FILE:LINE:COLUMN: text", in one line

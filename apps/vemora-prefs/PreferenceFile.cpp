@@ -100,15 +100,17 @@ bool IsNoInt(const std::string& number) {
 /// their categories.
 class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> {
  public:
-  Checker(const std::string& text, const rapidjson::StringStream& stream, FileKind kind)
+  Checker(const std::string& text, const rapidjson::StringStream& stream, FileKind kind,
+          std::size_t limit)
       : lines_(text),
         stream_(stream),
         kind_(kind),
         first_level_(kind == FileKind::kPrivate ? prefs::kThisComputerOnly
                                                 : prefs::kSharedForAllComputers),
-        last_level_(kind == FileKind::kPrivate ? prefs::kThisComputerOnly : prefs::kAndroidOnly) {}
+        last_level_(kind == FileKind::kPrivate ? prefs::kThisComputerOnly : prefs::kAndroidOnly),
+        findings_(limit) {}
 
-  std::vector<Finding> Take() { return std::move(findings_); }
+  Findings Take() { return std::move(findings_); }
 
   /// Behind the end of the text.
   void CheckLevelCount() {
@@ -116,7 +118,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
     for (std::size_t level = next; level <= last_level_; ++level) {
       Report(Rule::kMissingLevel, "there is no member for \"" + NameOfLevel(level) +
                                       "\", which a load leaves as it was");
-      findings_.back().level = NameOfLevel(level);
+      findings_.list.back().level = NameOfLevel(level);
     }
   }
 
@@ -124,7 +126,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
     ReportAt(Rule::kMalformed, offset, what);
   }
 
-  bool Null() { return Skipped("null"); }
+  bool Null() { return Skipped("is null"); }
   bool Bool(bool /*value*/) { return Scalar(); }
 
   bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
@@ -142,7 +144,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
       ReportMalformed(stream_.Tell(), "the number is too large for a double");
       return false;
     }
-    return IsNoInt(number) ? Skipped("a whole number that an int cannot hold") : Scalar();
+    return IsNoInt(number) ? Skipped("is a whole number that an int cannot hold") : Scalar();
   }
 
   bool Key(const char* text, rapidjson::SizeType length, bool /*copy*/) {
@@ -172,7 +174,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   bool StartObject() {
     if (IsRead()) {
       if (depth_ == kCategory) {
-        Skipped("an object");
+        Skipped("is an object");
       } else {
         root_is_object_ = true;
         ++read_;
@@ -184,7 +186,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   }
 
   bool StartArray() {
-    Skipped("an array");
+    Skipped("is an array");
     ++depth_;
     return true;
   }
@@ -210,44 +212,51 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   bool IsRead() const { return depth_ == read_ && (depth_ <= kRoot || Level() <= last_level_); }
 
   void Report(Rule rule, const std::string& what) { ReportAt(rule, stream_.Tell(), what); }
-  void ReportKey(Rule rule, const std::string& what) {
-    ReportAt(rule, key_offset_, NameOf(category_, key_) + ' ' + what);
+  void ReportKey(Rule rule, std::string_view what, std::string_view more = "") {
+    const bool is_listed = findings_.IsListed(rule);
+    ReportAt(rule, key_offset_,
+             is_listed ? NameOf(category_, key_).append(1, ' ').append(what).append(more) : "");
   }
   void ReportAt(Rule rule, std::size_t offset, const std::string& what) {
+    if (!findings_.IsListed(rule)) {
+      findings_.Count(rule);
+      return;
+    }
     const bool is_in_level =
         depth_ >= kLevel && members_of_root_ > 0 && Level() <= last_level_ && read_ >= kLevel;
-    findings_.push_back(
+    findings_.Add(
         {rule, is_in_level ? NameOfLevel(Level()) : "", is_in_level ? category_.ToUtf8() : "",
          is_in_level && depth_ >= kCategory ? key_.ToUtf8() : "", lines_.At(offset), what});
   }
 
-  bool Skipped(const std::string& kind) {
+  bool Skipped(std::string_view kind) {
     if (!IsRead()) {
       return true;
     }
     switch (depth_) {
       case 0:
-        Report(Rule::kNoObject, "the root is " + kind + " and no object, so a load takes nothing");
+        Report(Rule::kNoObject,
+               "the root " + std::string(kind) + " and no object, so a load takes nothing");
         break;
       case kRoot:
         if (Level() <= last_level_) {  // a member behind the last one is reported already
           ReportAt(Rule::kNoObject, key_offset_,
-                   "the level \"" + NameOfLevel(Level()) + "\" is " + kind +
+                   "the level \"" + NameOfLevel(Level()) + "\" " + std::string(kind) +
                        " and no object, so a load leaves it as it was");
         }
         break;
       case kLevel:
         ReportAt(Rule::kNoObject, key_offset_,
-                 "the category " + Quoted(category_.ToUtf8()) + " is " + kind +
+                 "the category " + Quoted(category_.ToUtf8()) + ' ' + std::string(kind) +
                      " and no object, so a load skips it");
         break;
       default:
-        ReportKey(Rule::kNoPreference, "is " + kind + ", which a load skips");
+        ReportKey(Rule::kNoPreference, kind, ", which a load skips");
     }
     return true;
   }
 
-  bool Scalar() { return depth_ == kCategory || Skipped("a single value"); }
+  bool Scalar() { return depth_ == kCategory || Skipped("is a single value"); }
 
   bool End() {
     --depth_;
@@ -296,7 +305,7 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
   std::size_t first_level_;
   std::size_t last_level_;
   Classifier classifier_;
-  std::vector<Finding> findings_;
+  Findings findings_;
   bool root_is_object_ = false;
   std::size_t members_of_root_ = 0;
   std::size_t depth_ = 0;  // objects and arrays that are open
@@ -310,14 +319,17 @@ class Checker : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Checker> 
 
 }  // namespace
 
-std::vector<Finding> CheckText(const std::string& text, FileKind kind) {
+Findings CheckText(const std::string& text, FileKind kind, std::size_t limit) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   constexpr Position kStart{1, 1};
+  Findings whole(limit);
   if (text.empty()) {
-    return {{Rule::kEmpty, "", "", "", kStart, "the file is empty; a load takes nothing"}};
+    whole.Add({Rule::kEmpty, "", "", "", kStart, "the file is empty; a load takes nothing"});
+    return whole;
   }
   if (IsUtf16(text)) {
-    return {{Rule::kUtf16, "", "", "", kStart, "the text is UTF-16; save it as UTF-8"}};
+    whole.Add({Rule::kUtf16, "", "", "", kStart, "the text is UTF-16; save it as UTF-8"});
+    return whole;
   }
   // Blanks in its place leave all else where it is.
   std::string json = WithoutLoneSurrogates(text);
@@ -325,7 +337,7 @@ std::vector<Finding> CheckText(const std::string& text, FileKind kind) {
     std::fill_n(json.begin(), kByteOrderMark.size(), ' ');
   }
   rapidjson::StringStream stream(json.c_str());
-  Checker checker(text, stream, kind);
+  Checker checker(text, stream, kind, limit);
   rapidjson::Reader reader;
   constexpr unsigned kFlags =
       rapidjson::kParseIterativeFlag | rapidjson::kParseNumbersAsStringsFlag;

@@ -11,7 +11,9 @@
 namespace vemora::testing {
 namespace {
 
-using VemoraPrefsBesideAHost = VemoraPrefsTest;
+/// What of the store is named on the command line.
+class VemoraPrefsBesideAHost : public VemoraPrefsTest,
+                               public ::testing::WithParamInterface<const char*> {};
 
 /// How many preferences of a category both files hold.
 int CountSaved(const std::filesystem::path& folder, const vemora_ustring& category) {
@@ -25,7 +27,7 @@ int CountSaved(const std::filesystem::path& folder, const vemora_ustring& catego
   return count;
 }
 
-TEST_F(VemoraPrefsBesideAHost, LosesNoChangeOfEither) {
+TEST_P(VemoraPrefsBesideAHost, LosesNoChangeOfEither) {
   const int rounds = WholeOrSample(3, 1);
   const int saves = WholeOrSample(150, 30);
   const int changes = WholeOrSample(20, 4);
@@ -34,7 +36,7 @@ TEST_F(VemoraPrefsBesideAHost, LosesNoChangeOfEither) {
     Program host(L"protected_host", {(folder / "p.json").wstring(), (folder / "s.json").wstring(),
                                      name, L"distinct", std::to_wstring(saves)});
     const std::string arguments =
-        "set --private p.json --shared s.json Tool \"" + std::to_string(round) + ' ';
+        std::string("set ") + GetParam() + " Tool \"" + std::to_string(round) + ' ';
     for (int change = 0; change < changes; ++change) {
       const Ended ended = Run(arguments + std::to_string(change) + "\" 1");
       EXPECT_EQ(ended.code, 0U) << ended.err;
@@ -44,6 +46,9 @@ TEST_F(VemoraPrefsBesideAHost, LosesNoChangeOfEither) {
   EXPECT_EQ(CountSaved(folder.path(), L"Tool"), rounds * changes);
   EXPECT_EQ(CountSaved(folder.path(), L"Distinct"), 2 * rounds * saves);
 }
+
+INSTANTIATE_TEST_SUITE_P(Stores, VemoraPrefsBesideAHost,
+                         ::testing::Values("--private p.json --shared s.json", "--private p.json"));
 
 }  // namespace
 }  // namespace vemora::testing

@@ -205,15 +205,20 @@ TEST_F(VemoraPrefsCheck, SurvivesDeepNesting) {
             "p.json:1:31: c / k is an array, which a load skips\n");
 }
 
-TEST_F(VemoraPrefsCheck, FindsTenThousandFlaws) {
+TEST_F(VemoraPrefsCheck, ShowsTenThousandFlawsOfAKindAndAllWhenAsked) {
   std::string text = "{\"This Computer Only\": {\"c\": {\n";
-  for (int index = 0; index < 10'000; ++index) {
+  for (int index = 0; index < 10'001; ++index) {
     text += (index > 0 ? ",\n\"k" : "\"k") + std::to_string(index) + "\": null";
   }
-  Write("p.json", text + "}}}");
+  Write("p.json", text + ",\n\"last\": []}}}");
+  const auto count_lines = [](const std::string& out) {
+    return std::count(out.begin(), out.end(), '\n');
+  };
   const Ended ended = Run("check --private p.json");
-  EXPECT_EQ(std::count(ended.out.begin(), ended.out.end(), '\n'), 10'000);
+  EXPECT_EQ(count_lines(ended.out), 10'000);
   EXPECT_THAT(ended.out, HasSubstr("p.json:10001:1: c / k9999 is null"));
+  EXPECT_EQ(ended.err, "vemora-prefs: 2 more findings in p.json are not shown; --all shows them\n");
+  EXPECT_EQ(count_lines(Run("check --private p.json --all").out), 10'002);
 }
 
 }  // namespace
