@@ -96,8 +96,8 @@ def standard_headers(sources):
 
 def precompile(compiler, header, options):
     precompiled = header.with_suffix(".pch")
-    subprocess.run([*compiler, *options, "-std=c++17", "-x", "c++-header", header,
-                    "-o", precompiled], check=True)
+    subprocess.run([*compiler, *options, "-std=c++17", "-fpch-instantiate-templates",
+                    "-x", "c++-header", header, "-o", precompiled], check=True)
     return ["-include-pch", precompiled]
 
 
