@@ -24,6 +24,7 @@ DIRECTIVES = {
     "class": "doxygenclass", "struct": "doxygenstruct", "function": "doxygenfunction",
     "enum": "doxygenenum", "typedef": "doxygentypedef", "variable": "doxygenvariable",
 }
+NAME_OF_GROUP_WITHOUT_NAME = "Unnamed Group"
 OPTIONS = {"class": ":members:\n:protected-members:\n", "struct": ":members:\n"}
 
 
@@ -82,6 +83,9 @@ class Header(SphinxDirective):
         result = nodes.Element()
         lines = StringList("\n\n".join(blocks).splitlines(), source=header)
         self.state.nested_parse(lines, self.content_offset, result)
+        for rubric in list(result.findall(nodes.rubric)):
+            if rubric.astext() == NAME_OF_GROUP_WITHOUT_NAME:
+                rubric.parent.remove(rubric)
         return result.children
 
 
