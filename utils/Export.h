@@ -10,8 +10,8 @@
 #define COMMONPREFERENCES_API __declspec(dllimport)
 #endif
 
-// An exported instance of a template is marked where it is declared; Visual C++ wants the mark of
-// the exporting side at its definition instead.
+// An exported instance of a template is marked where it is declared. Only the library built with
+// Visual C++ needs the mark at the definition instead.
 #if defined(_MSC_VER) && defined(COMMONPREFERENCES_BUILD)
 #define COMMONPREFERENCES_TEMPLATE_DECLARE
 #define COMMONPREFERENCES_TEMPLATE_DEFINE COMMONPREFERENCES_API
@@ -20,8 +20,8 @@
 #define COMMONPREFERENCES_TEMPLATE_DEFINE
 #endif
 
-// Before a constructor: what is constructed must not be thrown away. Earlier compilers than these
-// know the attribute, but warn that it cannot stand there.
+// Stands before a constructor whose object must be kept. Older compilers know the attribute, but
+// warn that it cannot stand there.
 #if (defined(__clang__) && __clang_major__ >= 10) ||                \
     (!defined(__clang__) && defined(__GNUC__) && __GNUC__ >= 10) || \
     (defined(_MSC_VER) && _MSC_VER >= 1924)

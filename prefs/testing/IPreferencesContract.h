@@ -1,6 +1,6 @@
 /// @file
-/// Tests of what a caller may expect of any `IPreferences`, to be run over a back end of a host's
-/// own. Needs GoogleTest, and is included in one source file of a test program.
+/// Tests of what a caller may expect of any `IPreferences`. Run them over a back end of your own.
+/// They need GoogleTest. Include this file in one source file of a test program.
 ///
 ///     class MyStorage : public vemora::prefs::contract::Storage { ... };
 ///
@@ -30,7 +30,8 @@
 
 namespace vemora::prefs::contract {
 
-/// Where the preferences of one test are kept. It is empty at first, and its destructor clears up.
+/// The place where one test keeps its preferences. It is empty at first, and its destructor clears
+/// it.
 class Storage {
  public:
   Storage() = default;
@@ -38,36 +39,36 @@ class Storage {
   Storage& operator=(const Storage&) = delete;
   virtual ~Storage() = default;
 
-  /// Ends the back end that was opened before, if any, and gives a new one, which finds what that
-  /// one saved; what was not saved may be lost.
+  /// Ends the back end that was opened before, if there is one, and opens a new one. The new one
+  /// finds what the old one saved. What was not saved may be lost.
   virtual IPreferences& Open() = 0;
 };
 
-/// A back end, and which of the promises that not all of them make are its own.
+/// A back end, and which of the optional promises it makes.
 struct BackEnd {
   /// Part of the tests' names: letters and digits.
   std::string name;
   std::function<std::unique_ptr<Storage>()> make_storage;
 
-  /// The level at which it keeps what the tests write, if it has share levels. The tests' names of
-  /// categories and keys begin with "Contract".
+  /// The level at which it keeps what the tests write, if it has share levels. Categories and keys
+  /// of the tests begin with "Contract".
   std::optional<EShareLevel> level = std::nullopt;
-  /// Binary values are kept, not just accepted.
+  /// Whether binary values are kept, not only accepted.
   bool keeps_binary_values = true;
-  /// Any text is a name, also one with zeros inside and of any length.
+  /// Whether any text is a name, also a text with zeros and of any length.
   bool takes_any_name = true;
-  /// What was written is there for other operations than reads after `SavePreferences` only.
+  /// Whether operations other than reads find a written value only after `SavePreferences`.
   bool defers_writes = false;
 };
 
 inline void PrintTo(const BackEnd& back_end, std::ostream* out) { *out << back_end.name; }
 
-/// A test's fixture: a back end over a storage of its own.
+/// The fixture of a test: a back end with its own storage.
 class Contract : public ::testing::TestWithParam<BackEnd> {
  protected:
   IPreferences& preferences() { return *preferences_; }
 
-  /// Ends what the test wrote, so that deletes and questions find it.
+  /// Saves if writes are deferred, so that deletions and queries find what the test wrote.
   void EndWrites() {
     if (GetParam().defers_writes) {
       preferences().SavePreferences();
@@ -409,7 +410,7 @@ TEST_P(ContractWithoutLevels, NoLevelIsEmpty) {
 }
 /// @}
 
-/// Those of the back ends that make a promise.
+/// The back ends that make a promise.
 template <typename Promise>
 std::vector<BackEnd> BackEndsThat(const Promise& promise, const std::vector<BackEnd>& back_ends) {
   std::vector<BackEnd> found;
@@ -424,7 +425,7 @@ inline bool HaveNoLevels(const BackEnd& back_end) { return !back_end.level.has_v
 
 inline std::string NameOf(const ::testing::TestParamInfo<BackEnd>& test) { return test.param.name; }
 
-// There may be no back end that makes the promise.
+// Perhaps no back end makes the promise.
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(ContractBinary);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(ContractAnyName);
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(ContractLevels);
@@ -432,8 +433,8 @@ GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(ContractWithoutLevels);
 
 }  // namespace vemora::prefs::contract
 
-/// Runs the tests over back ends, an expression of `std::vector<BackEnd>`. Stands outside of every
-/// namespace.
+/// Runs the tests over `back_ends`, an expression of the type `std::vector<BackEnd>`. Use it
+/// outside of every namespace.
 #define INSTANTIATE_PREFERENCES_CONTRACT(prefix, back_ends)                                     \
   namespace vemora::prefs::contract {                                                           \
   INSTANTIATE_TEST_SUITE_P(prefix, ContractRead, ::testing::ValuesIn(back_ends), NameOf);       \
