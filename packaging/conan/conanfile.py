@@ -78,5 +78,7 @@ class CommonPreferencesConan(ConanFile):
         self.cpp_info.set_property("cmake_target_name", "CommonPreferences::CommonPreferences")
         self.cpp_info.set_property("pkg_config_name", "CommonPreferences")
         self.cpp_info.includedirs = ["include/vemora"]
-        library = "CommonPreferences" if is_msvc(self) else "CommonPreferences.dll"
-        self.cpp_info.libs = [library, "CommonPreferencesValues"]
+        postfix = "d" if self.settings.build_type == "Debug" else ""
+        suffix = "" if is_msvc(self) else ".dll"  # of the import library, before .a
+        self.cpp_info.libs = [f"CommonPreferences{postfix}{suffix}",
+                              f"CommonPreferencesValues{postfix}"]

@@ -18,7 +18,7 @@
 namespace vemora::testing {
 namespace {
 
-HMODULE Library() { return GetModuleHandleW(L"CommonPreferences.dll"); }
+HMODULE Library() { return GetModuleHandleW(LIBRARY_FILE); }
 
 /// Texts of the two files, or of two files that would hold what is in memory.
 struct Texts {

@@ -57,7 +57,7 @@ class OverwrittenFiles : public StoreTest {
   int SaveWhile(const std::function<void()>& something, int most = kMostTries) {
     int flushes = 0;
     const ImportHook<imports::kFlushFile, decltype(FlushFileBuffers)> hook(
-        GetModuleHandleW(L"CommonPreferences.dll"), [&](auto original, HANDLE file) {
+        GetModuleHandleW(LIBRARY_FILE), [&](auto original, HANDLE file) {
           const BOOL flushed = original(file);
           if (++flushes % 2 == 0 && flushes <= 2 * most) {
             something();

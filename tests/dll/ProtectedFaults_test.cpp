@@ -32,7 +32,7 @@ using ::testing::ElementsAre;
 using ::testing::Eq;
 using ::testing::UnorderedElementsAre;
 
-HMODULE Library() { return GetModuleHandleW(L"CommonPreferences.dll"); }
+HMODULE Library() { return GetModuleHandleW(LIBRARY_FILE); }
 
 using Attributes = DWORD;
 constexpr Attributes kReadOnlyAndHidden = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;

@@ -13,7 +13,7 @@ namespace vemora::testing {
 namespace {
 
 // It lies beside the program.
-constexpr wchar_t kLibrary[] = L"CommonPreferences.dll";
+constexpr wchar_t kLibrary[] = LIBRARY_FILE;
 
 class VersionResource : public ::testing::Test {
  protected:

@@ -26,12 +26,12 @@ bool FindFrontDoor(HMODULE library) {
          Find(library, "_ZN6vemora5prefs16SetSavePrefsFlagEbb", found.set_save_prefs_flag);
 }
 
-bool IsLoaded() { return GetModuleHandleW(L"CommonPreferences.dll") != nullptr; }
+bool IsLoaded() { return GetModuleHandleW(LIBRARY_FILE) != nullptr; }
 
 }  // namespace
 
 extern "C" int wmain(int argc, wchar_t** argv) {
-  const HMODULE library = LoadLibraryW(L"CommonPreferences.dll");
+  const HMODULE library = LoadLibraryW(LIBRARY_FILE);
   const bool done = library != nullptr && FindFrontDoor(library) &&
                     vemora::testing::RunSteps({argv + 1, argv + argc}) &&
                     FreeLibrary(library) != 0 && !IsLoaded();

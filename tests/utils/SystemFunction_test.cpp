@@ -25,7 +25,7 @@ TEST(FindSystemFunction, IsNullForAMissingLibrary) {
 }
 
 TEST(FindSystemFunction, LeavesLibrariesBesideTheProgramAlone) {
-  constexpr wchar_t kBesideTheProgram[] = L"CommonPreferences.dll";
+  constexpr wchar_t kBesideTheProgram[] = LIBRARY_FILE;
   FindSystemFunction<GetId>(kBesideTheProgram, "GetCurrentProcessId");
   EXPECT_FALSE(IsLoaded(kBesideTheProgram));
   EXPECT_NE(LoadLibraryW(kBesideTheProgram), nullptr);

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Builds the library by the recipes of `packaging`, from what these ship and nothing else.
+"""Builds the library by the recipes of `packaging`, from what these ship and nothing else, and packs
+a zip of both configurations.
 
-usage: check_recipes.py FOLDER
+usage: check_packages.py FOLDER
 
 FOLDER is for all that is made. vcpkg and Conan are stood in for by what is in `stand_ins`. The
 sources are those that Git would check out on Windows, and the headers that a recipe depends on lie
@@ -30,7 +31,7 @@ def run(*command, **options):
 
 def require(condition, what):
     if not condition:
-        sys.exit(f"check_recipes: {what}")
+        sys.exit(f"check_packages: {what}")
 
 
 def check_out(work):
@@ -196,14 +197,35 @@ def check_conan(work):
         check_test_package(work, recipe, folder / name)
 
 
+def check_zip_of_both(work):
+    """Libraries for programs that are being debugged lie beside the optimized ones."""
+    folder = work / "zip"
+    run("cmake", "-G", "Ninja Multi-Config", "-S", work / "clone", "-B", folder / "build",
+        "--toolchain", TOOLCHAIN, "-DCMAKE_CONFIGURATION_TYPES=Release;Debug",
+        *(f"-DCOMMONPREFERENCES_{part}=OFF" for part in ("APPS", "EXAMPLES", "TESTS")))
+    for configuration in ("Release", "Debug"):
+        run("cmake", "--build", folder / "build", "--config", configuration, "--target", "product")
+    run("cpack", "--config", folder / "build/CPackConfig.cmake", "-C", "Release;Debug",
+        cwd=folder / "build")
+    archive, = (folder / "build/package").glob("*-release-debug.zip")
+    shutil.unpack_archive(archive, folder)
+    for configuration, library in (("Release", "CommonPreferences.dll"),
+                                   ("Debug", "CommonPreferencesd.dll")):
+        consumer = folder / f"consumer-{configuration}"
+        check_consumer(work, folder / archive.stem, consumer, configuration)
+        require({path.name for path in consumer.glob("*.dll")} == {library},
+                f"a host for {configuration} takes {library}")
+
+
 def main():
     work = pathlib.Path(sys.argv[1]).resolve()
-    for made in ("clone", "vcpkg", "conan"):  # what Wine has there stays
+    for made in ("clone", "vcpkg", "conan", "zip"):  # what Wine has there stays
         shutil.rmtree(work / made, ignore_errors=True)
     work.mkdir(parents=True, exist_ok=True)
     check_out(work)
     check_vcpkg(work)
     check_conan(work)
+    check_zip_of_both(work)
 
 
 if __name__ == "__main__":
