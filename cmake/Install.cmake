@@ -25,6 +25,7 @@ target_sources(CommonPreferences PUBLIC
     prefs/PreferencesDefaults.h
     prefs/PreferencesRegistry.h
     prefs/SaveMode.h
+    prefs/Version.h
     prefs/store/LevelMap.h
     prefs/testing/IPreferencesContract.h
     utils/Export.h

@@ -1,4 +1,4 @@
-// What Windows shows of the DLL: its version resource.
+// The version in the headers, in the DLL, and in what Windows shows of the DLL.
 
 #include <windows.h>
 // After <windows.h>, which it needs.
@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "prefs/Version.h"
 #include "support.h"
 
 namespace vemora::testing {
@@ -14,6 +15,17 @@ namespace {
 
 // It lies beside the program.
 constexpr wchar_t kLibrary[] = LIBRARY_FILE;
+
+TEST(VersionOfHeaders, IsThatOfTheProject) {
+  const std::wstring version = std::to_wstring(COMMONPREFERENCES_VERSION_MAJOR) + L'.' +
+                               std::to_wstring(COMMONPREFERENCES_VERSION_MINOR) + L'.' +
+                               std::to_wstring(COMMONPREFERENCES_VERSION_PATCH);
+  EXPECT_EQ(version, PROJECT_VERSION);
+}
+
+TEST(GetVersion, IsThatOfTheHeadersTheDllWasBuiltWith) {
+  EXPECT_EQ(prefs::GetVersion(), COMMONPREFERENCES_VERSION);
+}
 
 class VersionResource : public ::testing::Test {
  protected:

@@ -12,6 +12,7 @@
 #include "prefs/PreferencesRegistry.h"
 #include "prefs/SaveMode.h"
 #include "prefs/ShareLevel.h"
+#include "prefs/Version.h"
 #include "utils/Dictionary.h"
 #include "utils/Registry.h"
 #include "utils/Singleton.h"
