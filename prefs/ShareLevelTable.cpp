@@ -614,24 +614,25 @@ constexpr auto kPackedRows = [] {
 }  // namespace
 
 const ShareLevelRow& ShareLevelRows::Iterator::operator*() {
-  const std::string_view category = text_ + 1;
-  row_.level = static_cast<EShareLevel>(*text_ - '0');
+  const std::string_view category = rest_.substr(1, rest_.find('\0', 1) - 1);
+  const std::string_view behind = rest_.substr(category.size() + 2);
+  row_.level = static_cast<EShareLevel>(rest_.front() - '0');
   row_.category = category.empty() ? row_.category : category;
-  row_.key = category.data() + category.size() + 1;
+  row_.key = behind.substr(0, behind.find('\0'));
   return row_;
 }
 
 ShareLevelRows::Iterator& ShareLevelRows::Iterator::operator++() {
   const std::string_view key = operator*().key;
-  text_ = key.data() + key.size() + 1;
+  rest_.remove_prefix(static_cast<std::size_t>(key.data() - rest_.data()) + key.size() + 1);
   return *this;
 }
 
-ShareLevelRows::Iterator ShareLevelRows::begin() { return Iterator(kPackedRows.data()); }
-
-ShareLevelRows::Iterator ShareLevelRows::end() {
-  return Iterator(kPackedRows.data() + kPackedRows.size());
+ShareLevelRows::Iterator ShareLevelRows::begin() {
+  return Iterator({kPackedRows.data(), kPackedRows.size()});
 }
+
+ShareLevelRows::Iterator ShareLevelRows::end() { return Iterator({}); }
 
 std::vector<ShareLevelEntry> MakeShareLevelTable() {
   std::vector<ShareLevelEntry> table;

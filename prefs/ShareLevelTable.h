@@ -40,14 +40,14 @@ class ShareLevelRows {
  public:
   class Iterator {
    public:
-    explicit Iterator(const char* text) : text_(text) {}
+    explicit Iterator(std::string_view rest) : rest_(rest) {}
 
     const ShareLevelRow& operator*();
     Iterator& operator++();
-    bool operator!=(const Iterator& other) const { return text_ != other.text_; }
+    bool operator!=(const Iterator& other) const { return rest_.size() != other.rest_.size(); }
 
    private:
-    const char* text_;
+    std::string_view rest_;  // from this row on
     ShareLevelRow row_ = {{}, {}, kNoShareLevel};
   };
 
