@@ -4,10 +4,12 @@
 
 #include "../utils/Export.h"
 
-/// The version of the headers: programs compiled with these work with every DLL that has the same
-/// first number, and a second number that is not lower.
+/// The major number of the headers. A program works with every DLL of the same major number and a
+/// minor number that is not lower.
 #define COMMONPREFERENCES_VERSION_MAJOR 1
+/// The minor number of the headers.
 #define COMMONPREFERENCES_VERSION_MINOR 0
+/// The patch number of the headers.
 #define COMMONPREFERENCES_VERSION_PATCH 0
 
 /// The version of the headers as one number, 10203 for 1.2.3.

@@ -23,6 +23,7 @@ WITHOUT_PAGE = {"prefs/store/LevelMap.h", "utils/Export.h", "prefs/testing/IPref
 DIRECTIVES = {
     "class": "doxygenclass", "struct": "doxygenstruct", "function": "doxygenfunction",
     "enum": "doxygenenum", "typedef": "doxygentypedef", "variable": "doxygenvariable",
+    "define": "doxygendefine",
 }
 NAME_OF_GROUP_WITHOUT_NAME = "Unnamed Group"
 OPTIONS = {"class": ":members:\n:protected-members:\n", "struct": ":members:\n"}
@@ -56,9 +57,10 @@ def declarations():
         kind, name = compound.get("kind"), compound.findtext("compoundname")
         if kind in OPTIONS and compound.get("prot") == "public":
             yield location(compound), kind, name
-        elif kind == "namespace":
+        elif kind in ("namespace", "file"):
+            scope = f"{name}::" if kind == "namespace" else ""
             for member in compound.iter("memberdef"):
-                full_name = f"{name}::{member.findtext('name')}{member.findtext('argsstring') or ''}"
+                full_name = f"{scope}{member.findtext('name')}{member.findtext('argsstring') or ''}"
                 yield location(member), member.get("kind"), full_name
 
 
