@@ -1,8 +1,7 @@
 // vemora-prefs diff
 
-#include <map>
-
 #include "Console.h"
+#include "Difference.h"
 #include "Json.h"
 #include "Levels.h"
 #include "RegistryStore.h"
@@ -17,12 +16,6 @@ struct DiffOptions : VerbOptions {
   StoreOptions second;
 };
 
-/// What one of the stores lacks, or both hold with different values.
-struct Difference {
-  std::optional<Entry> first;
-  std::optional<Entry> second;
-};
-
 /// The preferences as a registry would hold them: all at one level.
 std::vector<Entry> Flatten(const std::vector<Entry>& entries) {
   std::vector<Problem> left_out;
@@ -32,34 +25,6 @@ std::vector<Entry> Flatten(const std::vector<Entry>& entries) {
     entry.value = AsInRegistry(entry.value);
   }
   return result;
-}
-
-std::vector<Difference> Compare(const std::vector<Entry>& first, const std::vector<Entry>& second) {
-  std::map<Entry, Difference, EntryLess> all;
-  for (const Entry& entry : first) {
-    all[entry].first = entry;
-  }
-  for (const Entry& entry : second) {
-    all[entry].second = entry;
-  }
-  std::vector<Difference> differences;
-  for (const auto& [entry, difference] : all) {
-    if (!difference.first.has_value() || !difference.second.has_value() ||
-        difference.first->value != difference.second->value) {
-      differences.push_back(difference);
-    }
-  }
-  return differences;
-}
-
-std::string ToLine(char sign, const std::optional<Entry>& entry) {
-  if (!entry.has_value()) {
-    return "";
-  }
-  const std::string line = std::string(1, sign) + ' ' + LevelName(entry->level) + " / " +
-                           NameOf(entry->category, entry->key) + ": " + TypeName(entry->value) +
-                           ' ' + ToQuotedText(entry->value);
-  return Painted(sign == '-' ? Colour::kRed : Colour::kGreen, line) + '\n';
 }
 
 void WriteSide(JsonWriter& writer, const char* name, const std::optional<Entry>& entry) {
@@ -94,7 +59,7 @@ ExitCode Diff(const DiffOptions& options) {
   const std::vector<Difference> differences = Compare(read(*first), read(*second));
   std::string lines;
   for (const Difference& difference : differences) {
-    lines += ToLine('-', difference.first) + ToLine('+', difference.second);
+    lines += ToLines(difference);
   }
   Print(options.json ? ToJson(differences) : lines);
   return differences.empty() ? kOk : kDifferent;

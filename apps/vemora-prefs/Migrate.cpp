@@ -21,6 +21,8 @@ struct MigrateOptions : VerbOptions {
   EShareLevel level = prefs::kNoShareLevel;
   std::string to;
   std::string types;
+  std::string types_template;
+  bool overwrite = false;
   bool dry_run = false;
 };
 
@@ -63,6 +65,31 @@ std::vector<Entry> Acceptable(const std::vector<Entry>& entries, const Store& st
     }
   }
   return accepted;
+}
+
+/// Leaves out what the target has with another value, unless that is to be overwritten.
+std::vector<Entry> WithoutConflicts(const std::vector<Entry>& entries, const Store& target,
+                                    std::vector<Problem>& problems) {
+  std::set<Entry, EntryLess> there;
+  for (const Entry& entry : target.Read()) {
+    there.insert(entry);
+  }
+  std::vector<Entry> kept;
+  for (const Entry& entry : entries) {
+    const Entry stored = target.HasLevels() ? entry
+                                            : Entry{prefs::kThisComputerOnly, entry.category,
+                                                    entry.key, AsInRegistry(entry.value)};
+    const auto old = there.find(stored);
+    if (old == there.end() || old->value == stored.value) {
+      kept.push_back(entry);
+    } else {
+      problems.push_back({NameOf(entry.category, entry.key),
+                          "stays " + TypeName(old->value) + ' ' + ToQuotedText(old->value) +
+                              " in the target, where it would be " + TypeName(stored.value) + ' ' +
+                              ToQuotedText(stored.value) + "; --overwrite replaces it"});
+    }
+  }
+  return kept;
 }
 
 void WriteAll(const std::vector<Entry>& entries, Store& store, std::vector<Problem>& problems) {
@@ -150,8 +177,8 @@ void RequireOptions(const MigrateOptions& options) {
       options.store.registry.empty()) {
     throw Failure(kUsage, "migrate wants both stores; give --registry, --private and --shared");
   }
-  if (options.to == kToRegistry &&
-      !(options.types.empty() && options.level == prefs::kNoShareLevel)) {
+  if (options.to == kToRegistry && !(options.types.empty() && options.types_template.empty() &&
+                                     options.level == prefs::kNoShareLevel)) {
     throw Failure(kUsage,
                   "the registry has no types and levels to choose; leave out --types and --level");
   }
@@ -163,11 +190,18 @@ ExitCode Migrate(const MigrateOptions& named) {
   RequireOptions(options);
   const bool to_files = options.to == kToFiles;
   const auto source = Open(options.store, to_files ? kToRegistry : kToFiles, Access::kRead);
+  if (!options.types_template.empty()) {
+    WriteFile(options.types_template, MakeTypesTemplate(source->Read()));
+    return kOk;
+  }
   const auto target = Open(options.store, options.to, Access::kMake);
   std::vector<Problem> problems;
-  const std::vector<Entry> entries = Acceptable(
+  std::vector<Entry> entries = Acceptable(
       to_files ? ReadForFiles(*source, options, problems) : WithoutLevels(source->Read(), problems),
       *target, problems);
+  if (!options.overwrite) {
+    entries = WithoutConflicts(entries, *target, problems);
+  }
   Summary summary;
   for (const Entry& entry : entries) {
     ++summary[{entry.level, TypeName(entry.value)}];
@@ -209,9 +243,15 @@ void AddMigrate(CLI::App& program, ExitCode& result) {
       ->type_name("STORE");
   options.verb
       ->add_option("--types", options.types,
-                   R"(JSON that tells which numbers are bools and which texts are doubles: )"
-                   R"({"Category": {"Key": "bool"}})")
+                   R"(JSON that tells which numbers are bools and which texts are doubles, such )"
+                   R"(as {"Category": {"Key": "bool"}})")
       ->type_name("FILE");
+  options.verb
+      ->add_option("--types-template", options.types_template,
+                   "Write a file for --types, with the types that the registry tells, and no more")
+      ->type_name("FILE");
+  options.verb->add_flag("--overwrite", options.overwrite,
+                         "Replace values of the target that differ");
   options.verb->add_flag("--dry-run", options.dry_run, "Change nothing, only tell");
 }
 

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <iterator>
 #include <optional>
 
+#include "Console.h"
 #include "Escape.h"
 #include "Failure.h"
 
@@ -53,6 +53,21 @@ std::string ReadFile(const std::string& path) {
                                    "whether another program holds it");
     }
     Sleep(kPause);
+  }
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+  if (path == "-") {
+    Print(text);
+    return;
+  }
+  if (FileExists(path)) {
+    throw Failure(kUnusable, path + " is there already; name another file, or delete it");
+  }
+  std::ofstream file(std::filesystem::u8path(path), std::ios::binary);
+  file << text;
+  if (!file.flush()) {
+    throw Failure(kUnusable, "cannot write " + path + "; check folder, rights and free space");
   }
 }
 

@@ -14,6 +14,10 @@ namespace vemora::tool {
 /// @throws Failure (kUnusable) when it cannot be read
 std::string ReadFile(const std::string& path);
 
+/// Writes a new file, or standard output when it is called "-".
+/// @throws Failure (kUnusable) when there is such a file already, or it cannot be written
+void WriteFile(const std::string& path, const std::string& text);
+
 bool FileExists(const std::string& path);
 
 /// UTF-16 with a byte order mark, as some editors save "Unicode".

@@ -23,8 +23,10 @@ void AddList(CLI::App& program, ExitCode& result);
 void AddLoad(CLI::App& program, ExitCode& result);
 void AddMigrate(CLI::App& program, ExitCode& result);
 void AddProfile(CLI::App& program, ExitCode& result);
+void AddReport(CLI::App& program, ExitCode& result);
 void AddSet(CLI::App& program, ExitCode& result);
 void AddUnset(CLI::App& program, ExitCode& result);
+void AddWatch(CLI::App& program, ExitCode& result);
 
 /// Adds a verb whose options live as long as the command line; `run` takes them.
 /// The help, the completion and the manual have what they tell from here.

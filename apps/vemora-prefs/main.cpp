@@ -33,7 +33,7 @@ std::string OneLine(std::string text) {
 void AddVerbs(CLI::App& program, ExitCode& result) {
   for (const auto add :
        {AddList, AddFind, AddGet, AddSet, AddUnset, AddDrop, AddExplain, AddDump, AddLoad, AddCheck,
-        AddDiff, AddMigrate, AddProfile, AddCompletion, AddHelp}) {
+        AddDiff, AddWatch, AddReport, AddMigrate, AddProfile, AddCompletion, AddHelp}) {
     add(program, result);
   }
 }

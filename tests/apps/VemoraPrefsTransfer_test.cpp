@@ -347,13 +347,53 @@ TEST_F(VemoraPrefsMigrate, TellsWhenAValueIsNotOfItsType) {
 
 TEST_F(VemoraPrefsMigrate, RefusesOtherTypesFiles) {
   key.SetDword(L"c", L"k", 1);
-  for (const char* const wrong : {"", "[]", R"({"c": 1})", R"({"c": {"k": "int"}})"}) {
+  for (const char* const wrong : {"", "[]", R"({"c": 1})", R"({"c": {"k": "float"}})"}) {
     Write("types.json", wrong);
     const Ended ended = MigrateToFiles("--types types.json");
     EXPECT_EQ(ended.code, 2U) << wrong;
-    EXPECT_THAT(ended.err, HasSubstr("types.json: ")) << wrong;
+    EXPECT_THAT(ended.err, HasSubstr("types.json:1:")) << wrong;
   }
   EXPECT_FALSE(Exists("p2.json"));
+}
+
+TEST_F(VemoraPrefsMigrate, NamesKeyAndLineOfAWrongType) {
+  key.SetDword(L"c", L"k", 1);
+  Write("types.json", "{\"c\": {\n  \"k\": \"float\"}}");
+  EXPECT_THAT(MigrateToFiles("--types types.json").err,
+              HasSubstr("types.json:2:15: c / k is of no type 'float'"));
+}
+
+TEST_F(VemoraPrefsMigrate, OverwritesNoOtherValueUnlessAsked) {
+  key.SetDword(L"c", L"k", 1);
+  key.SetDword(L"c", L"same", 2);
+  Write("p2.json", R"({"This Computer Only": {"c": {"k": 5, "same": 2}}})");
+  const std::string conflict =
+      "c / k stays int 5 in the target, where it would be int 1; --overwrite replaces it\n";
+  const Ended dry = MigrateToFiles("--dry-run");
+  EXPECT_EQ(dry.code, 1U);
+  EXPECT_THAT(dry.out, EndsWith("would write 1\n" + conflict));
+  EXPECT_THAT(MigrateToFiles().out, EndsWith("wrote 1 and read them back\n" + conflict));
+  EXPECT_THAT(Run("get --private p2.json c k"), Printed("5\n"));
+  EXPECT_EQ(MigrateToFiles("--overwrite").code, 0U);
+  EXPECT_THAT(Run("get --private p2.json c k"), Printed("1\n"));
+  EXPECT_THAT(Read("p2.json.bak"), HasSubstr("\"k\": 5"));
+}
+
+TEST_F(VemoraPrefsMigrate, CanBeRunAgain) {
+  WriteFlatFiles();
+  const std::string first = MigrateToRegistry().out;
+  EXPECT_THAT(MigrateToRegistry(), Printed(first));
+}
+
+TEST_F(VemoraPrefsMigrate, WritesATemplateOfTheTypesAndTakesIt) {
+  key.SetDword(L"c", L"bool", 1);
+  key.SetText(L"c", L"text", L"x");
+  EXPECT_THAT(MigrateToFiles("--types-template types.json"), SucceededInSilence());
+  EXPECT_EQ(Read("types.json"),
+            "{\n  \"c\": {\n    \"bool\": \"int\",\n    \"text\": \"string\"\n  }\n}\n");
+  EXPECT_FALSE(Exists("p2.json"));
+  EXPECT_EQ(MigrateToFiles("--types types.json").code, 0U);
+  EXPECT_THAT(Run("get --private p2.json c bool"), Printed("1\n"));
 }
 
 TEST_F(VemoraPrefsMigrate, TellsInJson) {

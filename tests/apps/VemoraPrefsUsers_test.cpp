@@ -92,6 +92,31 @@ TEST_F(VemoraPrefsUsers, LoadReadsStandardInput) {
   EXPECT_EQ(Run("dump --private copy.json").out, dump);
 }
 
+TEST_F(VemoraPrefsUsers, WatchTellsChangesAsTheyHappen) {
+  const std::filesystem::path out_file = folder / "watched";
+  const ChildOutput out(out_file);
+  const std::filesystem::path program = ProgramFile();
+  STARTUPINFOW startup{};
+  startup.cb = sizeof(startup);
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = out.handle();
+  PROCESS_INFORMATION watcher{};
+  ASSERT_TRUE(StartProcess(program, L'"' + program.wstring() + L"\" watch --private p.json", true,
+                           folder.path().c_str(), startup, watcher));
+  int value = 0;
+  constexpr int kTries = 50;
+  for (int tries = 0; tries < kTries && out.Text().empty(); ++tries) {
+    // Again and again, for it is not known when the watcher has had its first look.
+    Run("set --private p.json Other k " + std::to_string(++value));
+    Sleep(300);
+  }
+  TerminateProcess(watcher.hProcess, 0);
+  CloseHandle(watcher.hThread);
+  CloseHandle(watcher.hProcess);
+  EXPECT_THAT(out.Text(), HasSubstr("- This Computer Only / Other / k: int "));
+  EXPECT_THAT(out.Text(), HasSubstr("\n+ This Computer Only / Other / k: int "));
+}
+
 TEST(VemoraPrefsTable, CutsLinesToTheWidthOfATerminal) {
   const std::vector<std::vector<std::string>> rows = {{"KEY", "VALUE"}, {"größe", "0123456789"}};
   EXPECT_EQ(tool::FormatTable(rows, 12), "KEY    VALUE\ngröße  01...\n");

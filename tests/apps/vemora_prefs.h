@@ -72,10 +72,7 @@ class VemoraPrefsTest : public ::testing::Test {
   /// @param arguments the command line behind the program's name, in UTF-8, as a user types it
   /// @param input what is led to its standard input
   Ended Run(const std::string& arguments, const std::string& input = "") const {
-    std::array<wchar_t, 32768> self{};
-    GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
-    const std::filesystem::path program =
-        std::filesystem::path(self.data()).replace_filename(L"vemora-prefs.exe");
+    const std::filesystem::path program = ProgramFile();
     const std::wstring command = L'"' + program.wstring() + L"\" " + Utf8(arguments);
     const std::filesystem::path out_file = folder.path().wstring() + L".out";
     const std::filesystem::path err_file = folder.path().wstring() + L".err";
@@ -94,6 +91,12 @@ class VemoraPrefsTest : public ::testing::Test {
     std::filesystem::remove(err_file);
     std::filesystem::remove(in_file);
     return ended;
+  }
+
+  static std::filesystem::path ProgramFile() {
+    std::array<wchar_t, 32768> self{};
+    GetModuleFileNameW(nullptr, self.data(), static_cast<DWORD>(self.size()));
+    return std::filesystem::path(self.data()).replace_filename(L"vemora-prefs.exe");
   }
 
   void Write(const std::string& file, const std::string& text) const {
