@@ -20,11 +20,13 @@ constexpr char kHead[] = R"(<!DOCTYPE html>
 :root { color-scheme: light dark; font: 15px/1.4 system-ui, sans-serif }
 body { margin: 2em auto; max-width: 80em; padding: 0 1em }
 code, td { font-family: ui-monospace, Consolas, monospace }
-td { overflow-wrap: anywhere; vertical-align: top }
+td { overflow-wrap: break-word; vertical-align: top }
+td:nth-child(5) { overflow-wrap: anywhere }
 table { border-collapse: collapse; width: 100% }
 th, td { border-bottom: 1px solid #8886;
   padding: .3em .6em; text-align: left }
 th { background: Canvas; position: sticky; top: 0 }
+input { width: 18em }
 input, select { font: inherit; margin-right: 1em; padding: .3em .5em }
 .moved { color: #a40 }
 @media (prefers-color-scheme: dark) { .moved { color: #fa6 } }
