@@ -17,7 +17,7 @@ import sys
 
 PROGRAMS = ["bin/CommonPreferences.dll", "bin/vemora-prefs.exe"]
 VALUES = "libCommonPreferencesValues.a"
-SOURCES = ["CMakeLists.txt", "apps", "cmake", "prefs", "utils"]
+SOURCES = ["CMakeLists.txt", "apps", "cmake", "platform", "prefs", "utils"]
 
 
 def make_empty(folder):
