@@ -1,6 +1,9 @@
 // vemora-prefs changes the files of a host that saves them all the time.
 
+#include <chrono>
+#include <filesystem>
 #include <string>
+#include <thread>
 
 #include "prefs/JsonCommon.h"
 #include "prefs/PreferencesDefaults.h"
@@ -35,6 +38,11 @@ TEST_P(VemoraPrefsBesideAHost, LosesNoChangeOfEither) {
     const std::wstring name = L"host " + std::to_wstring(round);
     Program host(L"protected_host", {(folder / "p.json").wstring(), (folder / "s.json").wstring(),
                                      name, L"distinct", std::to_wstring(saves)});
+    // A program that knows the private file only finds the host's lock by the shared one.
+    while (!std::filesystem::exists(folder / "s.json")) {
+      ASSERT_TRUE(host.IsRunning());
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     const std::string arguments =
         std::string("set ") + GetParam() + " Tool \"" + std::to_string(round) + ' ';
     for (int change = 0; change < changes; ++change) {
