@@ -4,6 +4,20 @@ include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 include(cmake/PackageHost.cmake)
 
+set(COMMONPREFERENCES_SITE "" CACHE PATH
+  "The pages as ./dev docs makes them, with the tag file for Doxygen: they are installed, too")
+
+# Symbols are a component of their own, all else is this one.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME product)
+function(install_symbols)
+  foreach(target IN LISTS ARGN)
+    install(FILES $<TARGET_GENEX_EVAL:${target},$<TARGET_PROPERTY:${target},SYMBOLS_FILE>>
+      DESTINATION ${CMAKE_INSTALL_BINDIR}
+      CONFIGURATIONS Release
+      COMPONENT symbols EXCLUDE_FROM_ALL)
+  endforeach()
+endfunction()
+
 set(headers_folder ${CMAKE_INSTALL_INCLUDEDIR}/vemora)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/CommonPreferences)
 
@@ -42,7 +56,9 @@ set_target_properties(CommonPreferencesValues PROPERTIES EXPORT_NAME Values)
 install(TARGETS CommonPreferences CommonPreferencesValues
   EXPORT CommonPreferences
   FILE_SET HEADERS DESTINATION ${headers_folder})
+install_symbols(CommonPreferences)
 if(TARGET vemora-prefs)
+  install_symbols(vemora-prefs)
   install(TARGETS vemora-prefs CONFIGURATIONS Release RelWithDebInfo MinSizeRel)
   if(NOT CMAKE_CONFIGURATION_TYPES)
     install(TARGETS vemora-prefs CONFIGURATIONS Debug)
@@ -90,8 +106,32 @@ if(TARGET vemora-prefs)
   list(APPEND licenses licenses/CLI11.txt)
 endif()
 install(FILES ${licenses} DESTINATION ${CMAKE_INSTALL_DOCDIR}/licenses)
-install(FILES CHANGELOG.md LICENSE README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+# What is in the DLL, as a list for programs.
+set(spdx_file ${CMAKE_CURRENT_BINARY_DIR}/spdx/$<CONFIG>/CommonPreferences.spdx.json)
+add_custom_command(OUTPUT ${spdx_file}
+  COMMAND ${CMAKE_COMMAND}
+    -DLIBRARY=$<TARGET_FILE:CommonPreferences>
+    -DOUTPUT=${spdx_file}
+    -DVERSION=${PROJECT_VERSION}
+    -DRAPIDJSON=${RapidJSON_INCLUDE_DIR}/rapidjson/rapidjson.h
+    "$<$<BOOL:${MINGW}>:-DGCC_VERSION=${CMAKE_CXX_COMPILER_VERSION}>"
+    "$<$<BOOL:${MINGW}>:-DPREPROCESSOR=${CMAKE_CXX_COMPILER}>"
+    -P ${PROJECT_SOURCE_DIR}/cmake/WriteSpdx.cmake
+  DEPENDS CommonPreferences cmake/WriteSpdx.cmake
+  VERBATIM)
+add_custom_target(spdx ALL DEPENDS ${spdx_file})
+add_dependencies(product spdx)
+install(FILES ${spdx_file} DESTINATION ${CMAKE_INSTALL_DOCDIR} CONFIGURATIONS Release)
+
+configure_file(packaging/zip/README.md.in README.md @ONLY)
+install(FILES CHANGELOG.md LICENSE ${CMAKE_CURRENT_BINARY_DIR}/README.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES debug/vemora.natvis debug/vemora_gdb.py
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/CommonPreferences/debug)
+if(COMMONPREFERENCES_SITE)
+  install(DIRECTORY ${COMMONPREFERENCES_SITE}/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/html)
+endif()
 
 if(CMAKE_CONFIGURATION_TYPES)
   list(JOIN CMAKE_CONFIGURATION_TYPES "-" package_configuration)
@@ -103,6 +143,13 @@ set(package_name ${PROJECT_NAME}-${PROJECT_VERSION}-win64-${package_suffix})
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_VENDOR "The CommonPreferences developers")
 set(CPACK_PACKAGE_FILE_NAME ${package_name})
+# Two zips, which unpack into one folder.
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL product symbols)
+set(CPACK_COMPONENTS_GROUPING IGNORE)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_ARCHIVE_PRODUCT_FILE_NAME ${package_name})
+set(CPACK_ARCHIVE_SYMBOLS_FILE_NAME ${package_name}-symbols)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/package)
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
 set(CPACK_VERBATIM_VARIABLES ON)

@@ -35,8 +35,11 @@ endif()
 # use_relative_paths(TARGET...): what GCC makes names no folder of this machine, unless it is a Debug
 # build, whose debugger is to find the sources.
 function(use_relative_paths)
+  # As a cache of compilations may name the sources.
+  cmake_path(RELATIVE_PATH PROJECT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_BINARY_DIR}
+    OUTPUT_VARIABLE from_build)
   foreach(target IN LISTS ARGN)
-    foreach(folder IN ITEMS ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
+    foreach(folder IN ITEMS ${from_build} ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR})
       target_compile_options(${target}
         PRIVATE $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${folder}=.>)
     endforeach()

@@ -28,7 +28,8 @@ class CommonPreferencesConan(ConanFile):
 
     def export_sources(self):
         for pattern in ("CMakeLists.txt", "CHANGELOG.md", "LICENSE", "README.md", "apps/*",
-                        "cmake/*", "docs/*", "licenses/*", "platform/*", "prefs/*", "utils/*"):
+                        "cmake/*", "debug/*", "licenses/*", "packaging/zip/*", "platform/*",
+                        "prefs/*", "utils/*"):
             copy(self, pattern, self._clone, self.export_sources_folder)
 
     def validate(self):

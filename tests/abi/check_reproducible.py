@@ -30,10 +30,12 @@ def link_again(build, program, folder):
     """Runs the command that linked a program, with another folder for what it makes."""
     command = subprocess.run(["ninja", "-t", "commands", "-s", program], cwd=build, check=True,
                              stdout=subprocess.PIPE, encoding="utf-8").stdout
+    name = pathlib.Path(program).name
     moved = re.sub(r"(-o |--out-implib,)(\S+)",
                    lambda match: match[1] + str(folder / pathlib.Path(match[2]).name), command)
+    moved = moved.replace(str(build / program), str(folder / name))
     subprocess.run(moved, shell=True, cwd=build, check=True)
-    return folder / pathlib.Path(program).name
+    return folder / name
 
 
 def copy_sources(source, copy):

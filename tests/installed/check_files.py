@@ -1,26 +1,26 @@
 #!/usr/bin/env python3
-"""Checks that the installed tree and the zip hold what they should, and nothing else.
+"""Checks that the installed tree and the zips hold what they should, and nothing else.
 
-usage: check_files.py INSTALLED ZIP LIST DOCS [FILE ...]
+usage: check_files.py INSTALLED ZIP SYMBOLS-ZIP LIST [FILE ...]
 
-LIST has the files that are expected, one a line; all of the folder DOCS are expected, too, and each
-FILE. In the zip they lie in one folder that bears the zip's name.
+LIST has the files that are expected, one a line; each FILE is expected, too. In a zip they lie in one
+folder that bears the first zip's name. The symbols are those of each program and DLL that is expected.
+Links of installed pages lead to installed files.
 """
 
 import pathlib
+import re
 import sys
 import zipfile
-
-DOCS_INSTALLED = "share/doc/CommonPreferences/docs/"
 
 
 def files_below(folder):
     return {path.relative_to(folder).as_posix() for path in folder.rglob("*") if path.is_file()}
 
 
-def files_in_zip(path):
+def files_in_zip(path, folder):
     names = {name for name in zipfile.ZipFile(path).namelist() if not name.endswith("/")}
-    return {name.removeprefix(path.stem + "/") for name in names}
+    return {name.removeprefix(folder + "/") for name in names}
 
 
 def report(what, expected, found):
@@ -31,12 +31,23 @@ def report(what, expected, found):
     return expected == found
 
 
+def report_links(installed):
+    dead = [f"{page}: {link}" for page in installed.rglob("*.md")
+            for link in re.findall(r"\]\((?!https?:)([^)#]+)", page.read_text(encoding="utf-8"))
+            if not (page.parent / link).exists()]
+    for link in dead:
+        print(f"a link that leads nowhere: {link}")
+    return not dead
+
+
 def main():
-    installed, archive, listed, docs = map(pathlib.Path, sys.argv[1:5])
+    installed, archive, symbols, listed = map(pathlib.Path, sys.argv[1:5])
     expected = set(listed.read_text(encoding="utf-8").split()) | set(sys.argv[5:])
-    expected |= {DOCS_INSTALLED + name for name in files_below(docs)}
+    expected_symbols = {name + ".debug" for name in expected if name.startswith("bin/")}
     checks = [report("the installed tree", expected, files_below(installed)),
-              report("the zip", expected, files_in_zip(archive))]
+              report("the zip", expected, files_in_zip(archive, archive.stem)),
+              report("the zip of symbols", expected_symbols, files_in_zip(symbols, archive.stem)),
+              report_links(installed)]
     return 0 if all(checks) else 1
 
 
